@@ -13,6 +13,7 @@ namespace {
 
 constexpr const char *kUsage =
     "usage: noxscene qr [--size WIDTHxHEIGHT] [--frames COUNT] PAYLOAD...\n"
+    "WIDTH is a multiple of 8 and HEIGHT even. "
     "Writes COUNT I420 frames (default: 90 of 1280x720, meant for 30 a second) to standard "
     "output.\n";
 
@@ -38,7 +39,7 @@ bool parse(int argc, char **argv, Options *options) {
       options->words.push_back(word);
     }
   }
-  return options->width > 0 && options->height > 0 && options->width % 2 == 0 &&
+  return options->width > 0 && options->height > 0 && options->width % 8 == 0 &&
          options->height % 2 == 0 && options->frames > 0 && options->words.size() >= 2;
 }
 
