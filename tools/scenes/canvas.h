@@ -36,6 +36,8 @@ class Canvas {
 
   int width() const { return width_; }
   int height() const { return height_; }
+  // Row by row from the top left.
+  const std::vector<Color> &pixels() const { return pixels_; }
 
   void fill(Color color);
   // Mixes `color` into pixel (x, y); coverage 0 leaves it, 1 replaces it. Outside is ignored.
@@ -44,6 +46,8 @@ class Canvas {
   void rectangle(Point top_left, Point bottom_right, Color color);
   // A disc whose border fades over `softness` pixels (1 is plain antialiasing).
   void disc(Point centre, float radius, Color color, float softness = 1.0F);
+  // A stroke from one point to another with round ends, `radius` to either side.
+  void line(Point from, Point to, float radius, Color color);
 
   // What a camera does to the scene, in this order: an out-of-focus blur (standard deviation in
   // pixels), the exposure, and the sensor's noise (standard deviation in steps of 255).
@@ -61,6 +65,7 @@ class Canvas {
                    static_cast<std::size_t>(x)];
   }
   const Color &at(int x, int y) const { return const_cast<Canvas *>(this)->at(x, y); }
+  void stroke(Point from, Point to, float radius, Color color, float softness);
   void write_luma(NoxVideoFrame *frame) const;
   void write_chroma(NoxVideoFrame *frame) const;
   Color block_mean(int x, int y) const;
