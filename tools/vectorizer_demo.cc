@@ -137,7 +137,7 @@ Canvas stack(const std::vector<Canvas> &rows) {
   for (const Canvas &row : rows) {
     for (int y = 0; y < row.height(); ++y) {
       for (int x = 0; x < row.width(); ++x) {
-        all.mix(x, top + y, row.pixels()[static_cast<std::size_t>(y * row.width() + x)], 1.0F);
+        all.mix(x, top + y, row.pixel(x, y), 1.0F);
       }
     }
     top += row.height();

@@ -230,7 +230,7 @@ TEST(NoxQrDecDeathTest, StreamGoesOnWhenMemoryRunsOut) {
     GstBuffer *buffer = gst_buffer_new_allocate(nullptr, GST_VIDEO_INFO_SIZE(&dec.info()), nullptr);
     const rlimit limit{16 << 20, 16 << 20};
     setrlimit(RLIMIT_AS, &limit);  // less than what is mapped already: no large block can be had
-    if (std::malloc(8192 * 8192) != nullptr) std::exit(2);
+    if (std::malloc(std::size_t{8192} * 8192) != nullptr) std::exit(2);
     const BufferPtr out = dec.push(buffer);
     std::exit(out != nullptr ? 0 : 1);
   };

@@ -173,7 +173,7 @@ void Canvas::write(NoxVideoFrame *frame) const {
 void Canvas::write_luma(NoxVideoFrame *frame) const {
   for (int y = 0; y < height_; ++y) {
     std::uint8_t *row = frame->planes[0] + static_cast<std::ptrdiff_t>(y) * frame->strides[0];
-    for (int x = 0; x < width_; ++x) row[x] = to_sample(luma(at(x, y)));
+    for (int x = 0; x < width_; ++x) row[x] = to_sample(luma(pixel(x, y)));
   }
 }
 
@@ -193,7 +193,7 @@ void Canvas::write_chroma(NoxVideoFrame *frame) const {
 Color Canvas::block_mean(int x, int y) const {
   const int right = std::min(x + 1, width_ - 1);
   const int below = std::min(y + 1, height_ - 1);
-  return (at(x, y) + at(right, y) + at(x, below) + at(right, below)) * 0.25F;
+  return (pixel(x, y) + pixel(right, y) + pixel(x, below) + pixel(right, below)) * 0.25F;
 }
 
 }  // namespace nox::scenes
