@@ -38,7 +38,7 @@ class Canvas {
   int height() const { return height_; }
   // Row by row from the top left.
   const std::vector<Color> &pixels() const { return pixels_; }
-  const Color &pixel(int x, int y) const { return const_cast<Canvas *>(this)->at(x, y); }
+  const Color &pixel(int x, int y) const { return pixels_[index(x, y)]; }
 
   void fill(Color color);
   // Mixes `color` into pixel (x, y); coverage 0 leaves it, 1 replaces it. Outside is ignored.
@@ -61,10 +61,11 @@ class Canvas {
   void write(NoxVideoFrame *frame) const;
 
  private:
-  Color &at(int x, int y) {
-    return pixels_[static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) +
-                   static_cast<std::size_t>(x)];
+  std::size_t index(int x, int y) const {
+    return static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) +
+           static_cast<std::size_t>(x);
   }
+  Color &at(int x, int y) { return pixels_[index(x, y)]; }
   void stroke(Point from, Point to, float radius, Color color, float softness);
   void write_luma(NoxVideoFrame *frame) const;
   void write_chroma(NoxVideoFrame *frame) const;
