@@ -1,6 +1,6 @@
-// What noxqrdec costs beside the decoder's own work: a frame pushed through the element, and the decoder
-// called directly on the same luma plane. Both copy the plane into the decoder's image; the element also
-// resizes the decoder for every frame, and carries the frame through GStreamer.
+// What noxqrdec costs beside the decoder's own work: a frame pushed through the element, and the
+// decoder called directly on the same luma plane. Both copy the plane into the decoder's image; the
+// element also resizes the decoder for every frame, and carries the frame through GStreamer.
 #include <benchmark/benchmark.h>
 #include <gst/check/gstharness.h>
 #include <gst/video/video.h>
