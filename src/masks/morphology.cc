@@ -71,7 +71,7 @@ StructuringElement *structuring_element_new(const std::uint8_t *members, std::in
   element->lane_bytes = element->lane_bits / 8;
   element->rows = static_cast<std::uint8_t *>(
       nox_aligned_alloc(kNoxAlignment, static_cast<std::size_t>(std::max(height, 0)) * kRowBlock));
-  const auto lane = static_cast<std::size_t>(std::min(element->lane_bytes, 4));
+  const auto lane = static_cast<std::size_t>(std::clamp(element->lane_bytes, 1, 4));
   for (std::ptrdiff_t r = 0; r < height; ++r) {
     std::uint32_t pattern = 0;
     for (std::int32_t c = 0; c < std::min(width, 32); ++c) {
