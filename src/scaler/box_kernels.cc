@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#define HWY_WANT_AVX3_DL
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "scaler/box_kernels.cc"
 #include <hwy/foreach_target.h>  // IWYU pragma: keep
@@ -76,16 +77,22 @@ void halve_row(const std::uint8_t *src, std::ptrdiff_t stride, std::ptrdiff_t ah
   }
 }
 
+// The sums of neighbouring samples, 16 bits each.
+template <class D>
+HWY_INLINE auto pair_sums(D d, const Rows &rows, std::size_t y, std::size_t x) {
+  const hn::RebindToSigned<D> weight_tag;
+  return dot_byte_pairs(rows.load(d, y, x), hn::Set(weight_tag, 1));
+}
+
 // Means of 4 by 4, one in the low byte of each 32-bit lane.
 template <class D>
 HWY_INLINE auto quarter_vector(D d, const Rows &rows, std::size_t x) {
-  const hn::RepartitionToWide<D> d16;
+  const hn::Repartition<std::int16_t, D> d16;
   const hn::RepartitionToWide<decltype(d16)> d32;
-  auto pairs = sums_of_pairs(rows.load(d, 0, x));
-  for (std::size_t y = 1; y < 4; ++y) pairs = hn::Add(pairs, sums_of_pairs(rows.load(d, y, x)));
-  const auto quads = hn::BitCast(d32, pairs);
-  const auto sums = hn::Add(hn::And(quads, hn::Set(d32, 0xFFFF)), hn::ShiftRight<16>(quads));
-  return hn::BitCast(d, hn::ShiftRight<4>(hn::Add(sums, hn::Set(d32, 8))));
+  auto pairs = pair_sums(d, rows, 0, x);
+  for (std::size_t y = 1; y < 4; ++y) pairs = hn::Add(pairs, pair_sums(d, rows, y, x));
+  const auto sums = add_dot_word_pairs(hn::Set(d32, 8), pairs, hn::Set(d16, 1));
+  return hn::BitCast(d, hn::ShiftRight<4>(sums));
 }
 
 template <class D>

@@ -39,7 +39,11 @@ void build(FilterRecord *record, const Scaler &scaler, const FilterChoice &choic
   const std::size_t bytes = choice.halvings == 0 ? 0 : kReducedLines * record->half_stride;
   record->half_buffer.reset(static_cast<std::uint8_t *>(nox_aligned_alloc(kHalfAlignment, bytes)));
   if (record->half_buffer == nullptr) throw std::bad_alloc();
-  record->scratch.resize(indexed_filter_words(out.width));
+  const PositionTables &all = record->positions;
+  record->full_filter = make_plane_filter(record->coefficients, all.columns, all.rows);
+  record->half_filter = make_plane_filter(record->coefficients, all.half_columns, all.half_rows);
+  const bool vectors = record->full_filter && record->half_filter;
+  record->scratch.resize(vectors ? 0 : indexed_filter_words(out.width));
 }
 
 FilterRecord *record_of(const Scaler &scaler) {
@@ -54,6 +58,7 @@ void filter_plane(FilterRecord *record, bool half, const SourcePlane &src,
   const std::int32_t factor = 1 << record->halvings;
   if (!holds(src, {columns.in_count, rows.in_count}, factor)) return;
   if (!holds(dst, {columns.out_count, rows.out_count})) return;
+  const DestinationPlane to = {dst.data, dst.stride, {columns.out_count, rows.out_count}};
   const ReducedRows reduced_rows = {
       .plane = src,
       .reduce_row = record->row_kernel,
@@ -62,7 +67,12 @@ void filter_plane(FilterRecord *record, bool half, const SourcePlane &src,
       .lines = record->half_buffer.get(),
       .line_stride = record->half_stride,
   };
-  indexed_filter(record->coefficients, columns, rows, reduced_rows, dst, record->scratch.data());
+  std::optional<PlaneFilter> &filter = half ? record->half_filter : record->full_filter;
+  if (filter) {
+    run_plane_filter(*filter, reduced_rows, to);
+    return;
+  }
+  indexed_filter(record->coefficients, columns, rows, reduced_rows, to, record->scratch.data());
 }
 
 }  // namespace

@@ -4,11 +4,13 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "scaler/box_kernels.h"
 #include "scaler/filter_coefficients.h"
 #include "scaler/filter_positions.h"
+#include "scaler/plane_filter.h"
 #include "scaler/scaler.h"
 #include "video/aligned_alloc.h"
 
@@ -38,7 +40,9 @@ struct FilterRecord {
   ReduceRow row_kernel;      // makes a row of the reduced picture
   AlignedBytes half_buffer;  // the reduced rows in use, 32-byte aligned
   std::size_t half_stride;
-  std::vector<std::int32_t> scratch;
+  std::optional<PlaneFilter> full_filter;  // none where the look-up filter has to serve
+  std::optional<PlaneFilter> half_filter;
+  std::vector<std::int32_t> scratch;  // of the look-up filter, empty where nobody needs it
 };
 
 // Builds the private record for the sizes in the Scaler. Returns 1, or 0 without memory for it.
