@@ -112,10 +112,6 @@ std::vector<MaskPattern> all_patterns() {
 
 }  // namespace
 
-MaskPtr make_mask(Size width, Size height) {
-  return MaskPtr(bitmask_new(width, height));
-}
-
 void set_pixel(BitMask *mask, Size x, Size y) {
   std::uint8_t *row = mask->data + static_cast<std::ptrdiff_t>(y) * mask->stride;
   row[x / 8] = static_cast<std::uint8_t>(row[x / 8] | 1U << (x % 8));

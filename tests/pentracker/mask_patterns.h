@@ -4,21 +4,14 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "masks/bitmask.h"
+#include "masks/mask_maker.h"
 #include "support/random.h"
 
 namespace nox::test {
 
-struct MaskDeleter {
-  void operator()(BitMask *mask) const { bitmask_free(mask); }
-};
-using MaskPtr = std::unique_ptr<BitMask, MaskDeleter>;
-
-MaskPtr make_mask(std::int32_t width, std::int32_t height);
 void set_pixel(BitMask *mask, std::int32_t x, std::int32_t y);
 
 // Sets the pixels for which `inside` holds.

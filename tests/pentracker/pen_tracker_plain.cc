@@ -60,21 +60,10 @@ PlainPenTracker::PlainPenTracker()
       u_work_(luma_work_.size()),
       v_work_(luma_work_.size()) {}
 
-PlainPenTracker::~PlainPenTracker() {
-  scaler_destroy(&luma_scaler_);
-  scaler_destroy(&chroma_scaler_);
-}
-
 PenPosition PlainPenTracker::process(const NoxVideoFrame &frame) {
-  if (frame.width != last_width_ || frame.height != last_height_) {
-    scaler_select(&luma_scaler_, {frame.width, frame.height}, {kWidth, kHeight});
-    scaler_select(&chroma_scaler_, {frame.width / 2, frame.height / 2}, {kWidth, kHeight});
-    last_width_ = frame.width;
-    last_height_ = frame.height;
-  }
-  scale(&luma_scaler_, frame, 0, &luma_work_);
-  scale(&chroma_scaler_, frame, 1, &u_work_);
-  scale(&chroma_scaler_, frame, 2, &v_work_);
+  scale(frame, 0, &luma_work_);
+  scale(frame, 1, &u_work_);
+  scale(frame, 2, &v_work_);
   label(u_work_, disc_offsets(), &u);
   label(v_work_, disc_offsets(), &v);
   label(luma_work_, square_offsets(), &luma);
@@ -84,15 +73,17 @@ PenPosition PlainPenTracker::process(const NoxVideoFrame &frame) {
           pressed_ ? 1 : 0};
 }
 
-void PlainPenTracker::scale(Scaler *scaler, const NoxVideoFrame &frame, int plane, Plane *work) {
-  if (scaler->ops == nullptr) return;
+void PlainPenTracker::scale(const NoxVideoFrame &frame, int plane, Plane *work) {
   const std::int32_t width = plane == 0 ? frame.width : frame.width / 2;
   const std::int32_t height = plane == 0 ? frame.height : frame.height / 2;
-  const NoxVideoFrame src{
-      0, width, height, 1, {frame.planes[plane]}, {frame.strides[plane]}, {width}, {height}};
-  NoxVideoFrame dst{kNoxFormatGray, kWidth,   kHeight,  1,
-                    {work->data()}, {kWidth}, {kWidth}, {kHeight}};
-  scaler_process(scaler, &src, &dst);
+  Picture view(width, height);
+  for (std::int32_t y = 0; y < height; ++y) {
+    const std::uint8_t *row =
+        frame.planes[plane] + static_cast<std::ptrdiff_t>(y) * frame.strides[plane];
+    for (std::int32_t x = 0; x < width; ++x) view.at(x, y) = row[x];
+  }
+  const Picture scaled = scale_plain(view, {width, height, kWidth, kHeight});
+  if (!scaled.samples.empty()) *work = scaled.samples;
 }
 
 void PlainPenTracker::label(const Plane &work, const std::vector<PlainPixel> &growth,

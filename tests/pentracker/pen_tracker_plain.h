@@ -1,5 +1,4 @@
-// The pen tracker told pixel by pixel: what pen_tracker_process must reproduce. Only the scaler is
-// shared with it, which has its own reference.
+// The pen tracker told pixel by pixel: what pen_tracker_process must reproduce.
 #ifndef PENTRACKER_PEN_TRACKER_PLAIN_H_
 #define PENTRACKER_PEN_TRACKER_PLAIN_H_
 
@@ -7,7 +6,7 @@
 #include <vector>
 
 #include "pentracker/blob_list_plain.h"
-#include "scaler/scaler.h"
+#include "scaler/scaler_plain.h"
 #include "video/nox_video_frame.h"
 
 namespace nox::test {
@@ -21,7 +20,6 @@ struct PenPosition {
 class PlainPenTracker {
  public:
   PlainPenTracker();
-  ~PlainPenTracker();
   PlainPenTracker(const PlainPenTracker &) = delete;
   PlainPenTracker &operator=(const PlainPenTracker &) = delete;
 
@@ -32,14 +30,13 @@ class PlainPenTracker {
  private:
   using Plane = std::vector<std::uint8_t>;
 
-  void scale(Scaler *scaler, const NoxVideoFrame &frame, int plane, Plane *work);
+  // Leaves `work` as it is where no scaler can be chosen.
+  static void scale(const NoxVideoFrame &frame, int plane, Plane *work);
   void label(const Plane &work, const std::vector<PlainPixel> &growth, PlainBlobList *list);
   bool keep_spot(const PlainBlob &blob) const;
   void weigh(PlainBlob *candidate);
   void choose();
 
-  Scaler luma_scaler_{}, chroma_scaler_{};
-  std::int32_t last_width_ = 0, last_height_ = 0;
   Plane luma_work_, u_work_, v_work_;
   PlainBlob *pen_ = nullptr;
   bool pressed_ = false, found_ = false;
