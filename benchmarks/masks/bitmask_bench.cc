@@ -17,7 +17,7 @@ void register_threshold(const std::string &name, const Picture &picture) {
   register_targets(name, [picture](benchmark::State &state) {
     const test::MaskPtr mask = test::make_mask(picture.width, picture.height);
     for (auto _ : state) {
-      bitmask_threshold(mask.get(), picture.samples.data(), picture.width, kLimit);
+      bitmask_threshold(mask.get(), picture.samples.get(), picture.width, kLimit);
       benchmark::ClobberMemory();
     }
   });

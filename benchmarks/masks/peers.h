@@ -2,6 +2,7 @@
 #ifndef MASKS_PEERS_H_
 #define MASKS_PEERS_H_
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 
@@ -24,7 +25,7 @@ inline cv::Mat make_mat(const Picture &picture, bool binary) {
   cv::Mat mat(picture.height, picture.width, CV_8UC1);
   for (std::int32_t y = 0; y < picture.height; ++y) {
     for (std::int32_t x = 0; x < picture.width; ++x) {
-      const std::uint8_t sample = picture.samples[static_cast<std::size_t>(y * picture.width + x)];
+      const std::uint8_t sample = picture.at(x, y);
       mat.at<std::uint8_t>(y, x) =
           static_cast<std::uint8_t>(binary ? (sample > kLimit ? 255 : 0) : sample);
     }
@@ -49,7 +50,7 @@ inline PixPtr make_pix(const Picture &picture, bool binary) {
   PixPtr pix(pixCreate(picture.width, picture.height, binary ? 1 : 8));
   for (std::int32_t y = 0; y < picture.height; ++y) {
     for (std::int32_t x = 0; x < picture.width; ++x) {
-      const std::uint8_t sample = picture.samples[static_cast<std::size_t>(y * picture.width + x)];
+      const std::uint8_t sample = picture.at(x, y);
       pixSetPixel(pix.get(), x, y, binary ? (sample > kLimit ? 1 : 0) : sample);
     }
   }

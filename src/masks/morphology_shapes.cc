@@ -28,7 +28,8 @@ constexpr int kShortRun = 3;
 
 constexpr int run_level(std::uint32_t row) {
   const int length = std::popcount(row);
-  return length <= kShortRun ? 0 : std::bit_width(static_cast<unsigned>(length)) - 1;
+  if (length <= kShortRun) return 0;
+  return static_cast<int>(std::bit_width(static_cast<unsigned>(length))) - 1;
 }
 
 template <const auto &kShape>
