@@ -36,6 +36,9 @@ RowPattern add_pattern(ElementPlan *plan, std::uint32_t row) {
     add_run(plan, start, length);
     row &= ~(((std::uint32_t{1} << length) - 1) << start);
   }
+  while ((plan->term_indices.size() - first) % kTermGroup != 0) {
+    plan->term_indices.push_back(plan->term_indices.back());
+  }
   return {first, plan->term_indices.size() - first};
 }
 
