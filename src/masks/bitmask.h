@@ -30,6 +30,29 @@ void bitmask_free(BitMask *mask);
 // Copies the whole block of `src`, padding included. Both masks have the same size.
 void bitmask_copy(BitMask *dst, const BitMask *src);
 
+// Sets every pixel of `dst` to whether the sample of `plane` is above (or below) `threshold`; a
+// sample equal to the threshold is never set. Only the low 8 bits of `threshold` count. `plane` is
+// row 0 of dst->width by dst->height 8-bit samples, rows `plane_stride` bytes apart; it may have
+// any alignment, and the stride any value (rows that are packed, overlap or run upwards included).
+//
+// The whole block of `dst` is overwritten: every bit is 0 but those below width rounded up to a
+// multiple of 16. Bits between the width and there come from the bytes that follow the row, as long
+// as these belong to the plane; where they do not, they are 0 and nothing is read. The plane's
+// memory ends behind the last sample in memory order, except that a plane whose address and stride
+// are both multiples of 16, with rows that do not overlap, owns the stride padding of all its rows,
+// the last one included.
+void bitmask_threshold(BitMask *dst, const std::uint8_t *plane, std::int32_t plane_stride,
+                       std::uint32_t threshold);
+void bitmask_threshold_below(BitMask *dst, const std::uint8_t *plane, std::int32_t plane_stride,
+                             std::uint32_t threshold);
+
+// dst = a OR b, a AND b, a AND NOT b. All masks have the size of `dst`, which may be `a` or `b`
+// itself. Each row is combined in whole 64-bit words, ceil(width / 64) of them; the bits behind
+// stay as they were.
+void bitmask_or(BitMask *dst, const BitMask *a, const BitMask *b);
+void bitmask_and(BitMask *dst, const BitMask *a, const BitMask *b);
+void bitmask_and_not(BitMask *dst, const BitMask *a, const BitMask *b);
+
 // Pixel (x, y), 0 or 1; 0 <= x < width and 0 <= y < height.
 int bitmask_get(const BitMask *mask, std::int32_t x, std::int32_t y);
 
