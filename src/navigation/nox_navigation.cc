@@ -1,6 +1,7 @@
 #include "navigation/nox_navigation.h"
 
-// GObject is the prerequisite: without one, the interface could not be the type of an object property.
+// GObject is the prerequisite: without one, the interface could not be the type of an object
+// property.
 G_DEFINE_INTERFACE(NoxNavigation, nox_navigation, G_TYPE_OBJECT)
 
 static void nox_navigation_default_init(NoxNavigationInterface * /*iface*/) {}
