@@ -20,26 +20,22 @@ namespace hn = hwy::HWY_NAMESPACE;
 using Bytes = hn::ScalableTag<std::uint8_t>;
 using ByteVec = hn::Vec<Bytes>;
 
-// Two rounded averages with constants make an exact (v + k) >> 2: with a and b as the constants,
-// k = a + 2 b + 3. That is the blend with the page at kAlphaWash, (page * 48 + v * 16 + 32) >> 6.
-HWY_INLINE ByteVec Wash(Bytes d, ByteVec v, std::uint8_t a, std::uint8_t b) {
-  return hn::AverageRound(hn::AverageRound(v, hn::Set(d, a)), hn::Set(d, b));
-}
-
-// k = 767 = 255 * 3 + 2.
+// Rounded averages with constants are exact shifts: two of them, with a and then b, make (v + a + 2
+// b + 3) >> 2. With the right constants that is the blend with the page at kAlphaWash, (page * 48 +
+// v * 16
+// + 32) >> 6: for luma (v + 255 * 3 + 2) >> 2.
 HWY_INLINE ByteVec WashLuma(Bytes d, ByteVec v) {
-  return Wash(d, v, 254, 255);
+  return hn::AverageRound(hn::AverageRound(v, hn::Set(d, 254)), hn::Set(d, 255));
 }
 
-// k = 386 = 128 * 3 + 2.
-HWY_INLINE ByteVec WashChroma(Bytes d, ByteVec v) {
-  return Wash(d, v, 129, 127);
-}
-
-// At alpha 40, which lies between 64 and 16: (128 * 24 + v * 40 + 32) >> 6 is (5 v + 388) >> 3, and
-// that is the rounded average of v and (v + 384) >> 2.
-HWY_INLINE ByteVec HalfWashChroma(Bytes d, ByteVec v) {
-  return hn::AverageRound(v, Wash(d, v, 127, 127));
+// For chroma at kAlphaWash (v + 128 * 3 + 2) >> 2. At 40, the mean of both alphas, (128 * 24 + v *
+// 40 + 32) >> 6 is (5 v + 388) >> 3: the average of v and (v + 384) >> 2, which differs by one
+// constant.
+HWY_INLINE ByteVec DrawChroma(Bytes d, ByteVec v, hn::Mask<Bytes> one, hn::Mask<Bytes> two) {
+  const ByteVec first = hn::AverageRound(v, hn::Set(d, 127));
+  const ByteVec constant = hn::IfThenElse(one, hn::Set(d, 127), hn::Set(d, 128));
+  const ByteVec quarter = hn::AverageRound(first, constant);
+  return hn::IfThenElse(two, v, hn::IfThenElse(one, hn::AverageRound(v, quarter), quarter));
 }
 
 // Calls step(x, from, to) for whole vectors of samples, the last of them through copies.
@@ -73,16 +69,15 @@ void DrawChromaRow(std::uint8_t *dst, const std::uint8_t *src, const std::uint64
                    const std::uint64_t *both, std::size_t samples) {
   const auto *any_mask = reinterpret_cast<const std::uint8_t *>(any);
   const auto *both_mask = reinterpret_cast<const std::uint8_t *>(both);
-  ForEachStep(
-      dst, src, samples,
-      [any_mask, both_mask](std::size_t x, const std::uint8_t *from, std::uint8_t *to) HWY_ATTR {
-        constexpr Bytes d;
-        const ByteVec v = hn::LoadU(d, from);
-        const auto one = hn::LoadMaskBits(d, any_mask + x / 8);
-        const auto two = hn::LoadMaskBits(d, both_mask + x / 8);
-        const ByteVec washed = hn::IfThenElse(one, HalfWashChroma(d, v), WashChroma(d, v));
-        hn::StoreU(hn::IfThenElse(two, v, washed), d, to);
-      });
+  ForEachStep(dst, src, samples,
+              [any_mask, both_mask](std::size_t x, const std::uint8_t *from, std::uint8_t *to)
+                  HWY_ATTR {
+                    constexpr Bytes d;
+                    const ByteVec v = hn::LoadU(d, from);
+                    const auto one = hn::LoadMaskBits(d, any_mask + x / 8);
+                    const auto two = hn::LoadMaskBits(d, both_mask + x / 8);
+                    hn::StoreU(DrawChroma(d, v, one, two), d, to);
+                  });
 }
 
 // At most half a block of words at a time, since two vectors of them make one of pairs.

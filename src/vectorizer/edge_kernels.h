@@ -21,6 +21,8 @@ inline constexpr std::size_t kGuardWords = kBlockWords;
 // s_x * s_x + s_y * s_y >= 666: the gradient 5 |s| clamped to 255 in each direction, and their
 // length above 128.
 //
+// Bits of `edges` behind these columns are 0 before and stay so.
+//
 // `above` is the first sample of a row, with edges.count + 2 rows from there, `stride` bytes apart,
 // of which `readable` bytes from `above` on may be read. width >= 4.
 void find_edges(const std::uint8_t *above, std::ptrdiff_t stride, std::int32_t width,

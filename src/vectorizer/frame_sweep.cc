@@ -135,8 +135,8 @@ void FrameSweep::draw_chroma_row(const NoxVideoFrame &in, const NoxVideoFrame &o
   fill_row(out, p, r, samples);
 }
 
-void FrameSweep::draw(const NoxVideoFrame &in, const NoxVideoFrame &out, MaskCounters &runs,
-                      MaskCounters &holds) {
+void FrameSweep::draw(const NoxVideoFrame &in, const NoxVideoFrame &out, MaskCounters &in_all,
+                      MaskCounters &in_any) {
   // edges_ is rows y - 2 to y + rows + 1 of the picture, for the band of rows from y on.
   const BitRows ahead = edges_.slice(2 * kClosingReach, kBandRows);
   mark_edges(in, -kClosingReach, kClosingReach, edges_);
@@ -145,8 +145,8 @@ void FrameSweep::draw(const NoxVideoFrame &in, const NoxVideoFrame &out, MaskCou
     mark_edges(in, y + kClosingReach, y + kClosingReach + rows, ahead);
     const BitRows lasting = lasting_.slice(0, rows);
     close_edges(edges_, dilated_, lasting);
-    runs.step_runs(y, lasting);
-    holds.step_holds(y, lasting);
+    in_all.step(y, lasting);
+    in_any.step(y, lasting);
     for (std::int32_t r = y; r < y + rows; ++r) draw_luma(in, out, r);
     for (std::int32_t r = y / 2; r < (y + rows + 1) / 2; ++r) draw_chroma(in, out, r);
     std::memmove(edges_.data, edges_.row(rows),

@@ -25,9 +25,9 @@ class FrameSweep {
   FrameSweep &operator=(const FrameSweep &) = delete;
 
   // Draws `in`, of the size told to the constructor, into the planes of `out`, which may be `in`
-  // itself. `runs` and `holds` take this frame's step.
-  void draw(const NoxVideoFrame &in, const NoxVideoFrame &out, MaskCounters &runs,
-            MaskCounters &holds);
+  // itself. `in_all` and `in_any` take this frame's step.
+  void draw(const NoxVideoFrame &in, const NoxVideoFrame &out, MaskCounters &in_all,
+            MaskCounters &in_any);
 
  private:
   void mark_edges(const NoxVideoFrame &in, std::int32_t first, std::int32_t end,

@@ -8,29 +8,35 @@
 
 namespace nox::vectorizer {
 
-MaskCounters::MaskCounters(std::int32_t width, std::int32_t height, std::int32_t limit)
-    : limit_(limit), row_words_(block_row_words(std::max(width, 0))) {
-  const std::size_t bytes = static_cast<std::size_t>(std::max(height, 0)) * row_words_ *
-                            static_cast<unsigned>(counter_planes(limit)) * sizeof(std::uint64_t);
+MaskCounters::MaskCounters(std::int32_t width, std::int32_t height, std::int32_t limit,
+                           Question question)
+    : limit_(limit), question_(question), row_words_(block_row_words(std::max(width, 0))) {
+  const std::size_t bytes = rows_words(std::max(height, 0)) * sizeof(std::uint64_t);
   planes_ = static_cast<std::uint64_t *>(nox_aligned_alloc(kNoxAlignment, bytes));
   std::memset(planes_, 0, bytes);
+  if (question == Question::kSetInAll) return;
+  // Never set: all counters at the limit.
+  const std::size_t plane_bytes = row_words_ * sizeof(std::uint64_t);
+  std::uint64_t *plane = planes_;
+  for (std::int32_t y = 0; y < height; ++y) {
+    for (int k = 0; k < counter_planes(limit); ++k, plane += row_words_) {
+      if (((limit >> k) & 1) != 0) std::memset(plane, 0xFF, plane_bytes);
+    }
+  }
 }
 
 MaskCounters::~MaskCounters() {
   nox_aligned_free(planes_);
 }
 
-std::uint64_t *MaskCounters::row(std::int32_t y) const {
-  return planes_ +
-         static_cast<std::size_t>(y) * row_words_ * static_cast<unsigned>(counter_planes(limit_));
+// Words of the planes of `rows` rows.
+std::size_t MaskCounters::rows_words(std::int32_t rows) const {
+  return static_cast<std::size_t>(rows) * row_words_ *
+         static_cast<unsigned>(counter_planes(limit_));
 }
 
-void MaskCounters::step_runs(std::int32_t y, const BitRows &bits) {
-  count_runs(row(y), limit_, bits);
-}
-
-void MaskCounters::step_holds(std::int32_t y, const BitRows &bits) {
-  count_holds(row(y), limit_, bits);
+void MaskCounters::step(std::int32_t y, const BitRows &bits) {
+  count_runs(planes_ + rows_words(y), limit_, question_ == Question::kSetInAny, bits);
 }
 
 }  // namespace nox::vectorizer

@@ -14,16 +14,13 @@ inline constexpr int counter_planes(std::int32_t limit) {
   return std::bit_width(static_cast<std::uint32_t>(limit));
 }
 
-// Both walk bits.count rows of counters from `planes` on: a row is counter_planes(limit) bit-planes
-// of bits.words words each, the lowest bit first, rows one behind the other. 1 <= limit.
-
-// Run lengths. Each counter goes up by one where its bit is set, and stays at `limit`; it falls to
-// 0 where its bit is not set. Then the bit becomes whether the counter is at `limit`.
-void count_runs(std::uint64_t *planes, std::int32_t limit, const BitRows &bits);
-
-// Holds. Each counter goes to `limit` where its bit is set, and elsewhere down by one until 0. Then
-// the bit becomes whether the counter is above 0.
-void count_holds(std::uint64_t *planes, std::int32_t limit, const BitRows &bits);
+// Steps bits.count rows of counters from `planes` on: a row is counter_planes(limit) bit-planes of
+// bits.words words each, the lowest bit first, rows one behind the other. 1 <= limit.
+//
+// Each counter goes up by one where its bit is set, and stays at `limit`; it falls to 0 where its
+// bit is not set. Then the bit becomes whether the counter is at `limit`. With `inverted` the bits
+// are taken and given the other way round: 0 for set.
+void count_runs(std::uint64_t *planes, std::int32_t limit, bool inverted, const BitRows &bits);
 
 }  // namespace nox::vectorizer
 

@@ -55,9 +55,8 @@ void combine_slots(const MaskRing *ring, BitMask *out, Combine combine) {
 }
 
 // One row at a time through an aligned row, which the counters need and a mask's rows are not.
-template <class Step>
-void feed_rows(MaskRing *ring, const BitMask *mask, BitMask *out, Step step) {
-  MaskCounters &counters = nox::vectorizer::begin_compact_frame(ring);
+void feed_rows(MaskRing *ring, const BitMask *mask, BitMask *out, MaskCounters::Question question) {
+  MaskCounters &counters = nox::vectorizer::begin_compact_frame(ring, question);
   const std::size_t words = counters.row_words();
   const std::size_t bytes = row_bytes(ring->width);
   auto *row =
@@ -65,7 +64,7 @@ void feed_rows(MaskRing *ring, const BitMask *mask, BitMask *out, Step step) {
   std::memset(row, 0, words * sizeof(std::uint64_t));
   for (std::int32_t y = 0; y < ring->height; ++y) {
     std::memcpy(row, row_of(mask, y), bytes);
-    step(counters, y, BitRows{row, words, words, 1});
+    counters.step(y, BitRows{row, words, words, 1});
     std::memcpy(row_of(out, y), row, bytes);
   }
   nox_aligned_free(row);
@@ -105,21 +104,18 @@ void mask_ring_or(const MaskRing *ring, BitMask *out) {
 }
 
 void mask_ring_feed_and(MaskRing *ring, const BitMask *mask, BitMask *out) {
-  feed_rows(ring, mask, out, [](MaskCounters &counters, std::int32_t y, const BitRows &bits) {
-    counters.step_runs(y, bits);
-  });
+  feed_rows(ring, mask, out, MaskCounters::Question::kSetInAll);
 }
 
 void mask_ring_feed_or(MaskRing *ring, const BitMask *mask, BitMask *out) {
-  feed_rows(ring, mask, out, [](MaskCounters &counters, std::int32_t y, const BitRows &bits) {
-    counters.step_holds(y, bits);
-  });
+  feed_rows(ring, mask, out, MaskCounters::Question::kSetInAny);
 }
 
-nox::vectorizer::MaskCounters &nox::vectorizer::begin_compact_frame(MaskRing *ring) {
+MaskCounters &nox::vectorizer::begin_compact_frame(MaskRing *ring,
+                                                   MaskCounters::Question question) {
   advance(ring);
   if (ring->counters == nullptr) {
-    ring->counters = new MaskCounters(ring->width, ring->height, ring->capacity);
+    ring->counters = new MaskCounters(ring->width, ring->height, ring->capacity, question);
   }
   return *ring->counters;
 }

@@ -5,10 +5,7 @@
 #include <cstdint>
 
 #include "masks/bitmask.h"
-
-namespace nox::vectorizer {
-class MaskCounters;
-}
+#include "vectorizer/mask_counters.h"
 
 // A ring of `capacity` masks of one size. It is fed in one of two ways, the same for all its life:
 //
@@ -58,8 +55,8 @@ void mask_ring_feed_or(MaskRing *ring, const BitMask *mask, BitMask *out);
 namespace nox::vectorizer {
 
 // Begins a compact frame whose rows the caller steps itself: moves the index on and returns the
-// ring's counters, made on first use.
-MaskCounters &begin_compact_frame(MaskRing *ring);
+// ring's counters, made on first use. The question is the same for all the ring's life.
+MaskCounters &begin_compact_frame(MaskRing *ring, MaskCounters::Question question);
 
 }  // namespace nox::vectorizer
 

@@ -56,8 +56,11 @@ std::int32_t vectorizer_process(VectorizerState *state, const NoxVideoFrame *in,
   if (in->width != state->width || in->height != state->height) {
     start_history(state, in->width, in->height);
   }
-  nox::vectorizer::MaskCounters &runs = nox::vectorizer::begin_compact_frame(state->ring_short);
-  nox::vectorizer::MaskCounters &holds = nox::vectorizer::begin_compact_frame(state->ring_long);
-  state->sweep->draw(*in, *out, runs, holds);
+  using nox::vectorizer::MaskCounters;
+  MaskCounters &in_all =
+      nox::vectorizer::begin_compact_frame(state->ring_short, MaskCounters::Question::kSetInAll);
+  MaskCounters &in_any =
+      nox::vectorizer::begin_compact_frame(state->ring_long, MaskCounters::Question::kSetInAny);
+  state->sweep->draw(*in, *out, in_all, in_any);
   return 1;
 }

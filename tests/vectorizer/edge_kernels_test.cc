@@ -32,7 +32,7 @@ NoxVideoFrame luma_frame(GuardedPlane *plane) {
 void expect_edges_as_plain(GuardedPlane *plane) {
   const std::int32_t rows = plane->height() - 3;
   const BitRowMemory edges(plane->width(), rows);
-  std::fill_n(edges.rows().data, edges.rows().words, ~std::uint64_t{0});
+  for (std::int32_t x = 0; x < plane->width() - 3; ++x) edges.set(x, 0, true);
   vectorizer::find_edges(plane->data(), plane->stride(), plane->width(),
                          static_cast<std::ptrdiff_t>(plane->size()), edges.rows());
   const PlainMask expected = edges_plain(luma_frame(plane));
