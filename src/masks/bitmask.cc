@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "masks/bitmask_kernels.h"
 #include "video/aligned_alloc.h"
 
 namespace {
@@ -16,41 +17,26 @@ std::int32_t row_stride(std::int32_t width) {
   return (width + 127) / 128 * 16 + kRowPadding;
 }
 
-// Bytes from `plane` that a threshold may read: up to the last sample in memory order, and behind
-// it the stride padding where alignment says that the plane has one.
-std::ptrdiff_t plane_extent(const BitMask &mask, const std::uint8_t *plane, std::int32_t stride) {
+// What a threshold may read: up to the last sample in memory order, and behind it the stride
+// padding where alignment says that the plane has one.
+nox::masks::SamplePlane sample_plane(const BitMask &mask, const std::uint8_t *plane,
+                                     std::int32_t stride) {
+  constexpr std::int32_t kGroup = nox::masks::kThresholdGroup;
   const std::ptrdiff_t last = static_cast<std::ptrdiff_t>(stride) * (mask.height - 1);
-  const bool padded = reinterpret_cast<std::uintptr_t>(plane) % 16 == 0 && stride % 16 == 0 &&
+  const bool padded = reinterpret_cast<std::uintptr_t>(plane) % kGroup == 0 &&
+                      stride % kGroup == 0 &&
                       std::abs(static_cast<std::int64_t>(stride)) >= mask.width;
-  const std::int32_t row = padded ? (mask.width + 15) / 16 * 16 : mask.width;
-  return std::max<std::ptrdiff_t>(last, 0) + row;
+  const std::int32_t row = padded ? (mask.width + kGroup - 1) / kGroup * kGroup : mask.width;
+  return {plane, stride, std::max<std::ptrdiff_t>(last, 0) + row};
 }
 
-template <typename Compare>
-void threshold_plane(BitMask *dst, const std::uint8_t *plane, std::int32_t stride,
-                     Compare compare) {
-  std::memset(dst->block, 0, static_cast<std::size_t>(dst->size));
-  const std::ptrdiff_t extent = plane_extent(*dst, plane, stride);
-  const std::ptrdiff_t width = (dst->width + 15) / 16 * 16;
-  for (std::ptrdiff_t y = 0; y < dst->height; ++y) {
-    std::uint8_t *row = dst->data + y * dst->stride;
-    const std::ptrdiff_t count = std::min(width, extent - y * stride);
-    for (std::ptrdiff_t x = 0; x < count; ++x) {
-      const int bit = compare(plane[y * stride + x]) ? 1 : 0;
-      row[x / 8] = static_cast<std::uint8_t>(row[x / 8] | bit << (x % 8));
-    }
-  }
+// Masks of negative sizes have an empty block.
+std::size_t block_bytes(const BitMask &mask) {
+  return static_cast<std::size_t>(std::max(mask.size, 0));
 }
 
-template <typename Combine>
-void combine_words(BitMask *dst, const BitMask *a, const BitMask *b, Combine combine) {
-  const std::ptrdiff_t bytes = (dst->width + 63) / 64 * 8;
-  for (std::ptrdiff_t y = 0; y < dst->height; ++y) {
-    for (std::ptrdiff_t i = 0; i < bytes; ++i) {
-      dst->data[y * dst->stride + i] = static_cast<std::uint8_t>(
-          combine(a->data[y * a->stride + i], b->data[y * b->stride + i]));
-    }
-  }
+void clear(BitMask *mask) {
+  std::memset(mask->block, 0, block_bytes(*mask));
 }
 
 }  // namespace
@@ -61,10 +47,9 @@ BitMask *bitmask_new(std::int32_t width, std::int32_t height) {
   mask->height = height;
   mask->stride = row_stride(width);
   mask->size = height * mask->stride;
-  mask->block = static_cast<std::uint8_t *>(
-      nox_aligned_alloc(kNoxAlignment, static_cast<std::size_t>(mask->size)));
+  mask->block = static_cast<std::uint8_t *>(nox_aligned_alloc(kNoxAlignment, block_bytes(*mask)));
   mask->data = mask->block + kFrontPadding;
-  std::memset(mask->block, 0, static_cast<std::size_t>(mask->size));
+  clear(mask);
   return mask;
 }
 
@@ -75,31 +60,33 @@ void bitmask_free(BitMask *mask) {
 }
 
 void bitmask_copy(BitMask *dst, const BitMask *src) {
-  std::memcpy(dst->block, src->block, static_cast<std::size_t>(dst->size));
+  std::memcpy(dst->block, src->block, block_bytes(*dst));
 }
 
 void bitmask_threshold(BitMask *dst, const std::uint8_t *plane, std::int32_t plane_stride,
                        std::uint32_t threshold) {
-  const auto limit = static_cast<std::uint8_t>(threshold);
-  threshold_plane(dst, plane, plane_stride, [limit](std::uint8_t v) { return v > limit; });
+  clear(dst);
+  nox::masks::threshold_above(dst, sample_plane(*dst, plane, plane_stride),
+                              static_cast<std::uint8_t>(threshold));
 }
 
 void bitmask_threshold_below(BitMask *dst, const std::uint8_t *plane, std::int32_t plane_stride,
                              std::uint32_t threshold) {
-  const auto limit = static_cast<std::uint8_t>(threshold);
-  threshold_plane(dst, plane, plane_stride, [limit](std::uint8_t v) { return v < limit; });
+  clear(dst);
+  nox::masks::threshold_under(dst, sample_plane(*dst, plane, plane_stride),
+                              static_cast<std::uint8_t>(threshold));
 }
 
 void bitmask_or(BitMask *dst, const BitMask *a, const BitMask *b) {
-  combine_words(dst, a, b, [](int p, int q) { return p | q; });
+  nox::masks::or_words(dst, a, b);
 }
 
 void bitmask_and(BitMask *dst, const BitMask *a, const BitMask *b) {
-  combine_words(dst, a, b, [](int p, int q) { return p & q; });
+  nox::masks::and_words(dst, a, b);
 }
 
 void bitmask_and_not(BitMask *dst, const BitMask *a, const BitMask *b) {
-  combine_words(dst, a, b, [](int p, int q) { return p & ~q; });
+  nox::masks::and_not_words(dst, a, b);
 }
 
 int bitmask_get(const BitMask *mask, std::int32_t x, std::int32_t y) {

@@ -3,10 +3,19 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <span>
+#include <vector>
 
+#include "masks/morphology_general.h"
+#include "masks/morphology_pass.h"
+#include "masks/morphology_plan.h"
+#include "masks/morphology_shapes.h"
 #include "video/aligned_alloc.h"
 
 namespace {
+
+using nox::masks::ElementPlan;
+using nox::masks::MorphologyPass;
 
 constexpr std::int32_t kRowBlock = 16;
 
@@ -16,45 +25,87 @@ std::int32_t lane_bits_for(std::int32_t width) {
   return 1 << std::min((std::max(width, 0) + 7) / 8 + 2, kLargest);
 }
 
+// Of an element of 1 to 24 columns.
 std::uint32_t row_pattern(const StructuringElement &element, std::int32_t row) {
   std::uint32_t pattern;
   std::memcpy(&pattern, element.rows + static_cast<std::ptrdiff_t>(row) * kRowBlock, 4);
-  return element.lane_bits == 32 ? pattern : pattern & ((1U << element.lane_bits) - 1);
+  return pattern & ((std::uint32_t{1} << element.width) - 1);
 }
 
-// Bytes of a row that a pass reads and writes.
-struct RowExtent {
-  std::int32_t read;
-  std::int32_t written;
+MorphologyPass make_pass(BitMask *dst, const BitMask &src, const StructuringElement &element) {
+  const std::int32_t step = 128 - 2 * element.lane_bits;
+  const std::int32_t strips = (src.width + step - 1) / step;
+  const std::int32_t bytes = strips * step / 8 + 2 * element.lane_bytes;
+  return {src.data, dst->data, src.stride, dst->stride, src.height, bytes, element.lane_bytes};
+}
+
+using ShapeKernel = void(const MorphologyPass &);
+
+struct KnownShape {
+  std::int32_t width;
+  std::span<const std::uint32_t> rows;
+  ShapeKernel *erode;
+  ShapeKernel *dilate;
 };
 
-RowExtent row_extent(const BitMask &mask, const StructuringElement &element) {
-  const std::int32_t step = 128 - 2 * element.lane_bits;
-  const std::int32_t strips = (mask.width + step - 1) / step;
-  const std::int32_t end = strips * step / 8;
-  return {end + element.lane_bytes, end + 2 * element.lane_bytes};
-}
+constexpr KnownShape kKnownShapes[] = {
+    {nox::masks::kBox3.width, nox::masks::kBox3.rows, nox::masks::erode_box3,
+     nox::masks::dilate_box3},
+    {nox::masks::kCross3.width, nox::masks::kCross3.rows, nox::masks::erode_cross3,
+     nox::masks::dilate_cross3},
+    {nox::masks::kDisc15.width, nox::masks::kDisc15.rows, nox::masks::erode_disc15,
+     nox::masks::dilate_disc15},
+};
 
-int stored_bit(const BitMask &mask, std::int32_t x, std::int32_t y, std::int32_t read) {
-  if (y < 0 || y >= mask.height || x < 0 || x >= read * 8) return 0;
-  return bitmask_get(&mask, x, y);
-}
-
-int morph_pixel(const BitMask &src, const StructuringElement &element, int operation,
-                std::int32_t x, std::int32_t y, std::int32_t read) {
-  bool all = true;
-  std::uint32_t any = 0;
-  for (std::int32_t r = 0; r < element.height; ++r) {
-    const std::uint32_t pattern = row_pattern(element, r);
-    for (std::int32_t c = 0; c < element.width; ++c) {
-      if ((pattern >> c & 1) == 0) continue;
-      const int bit = stored_bit(src, x + c - element.anchor_x, y + r - element.anchor_y, read);
-      all = all && bit != 0;
-      any |= static_cast<std::uint32_t>(bit) << c;
-    }
+const KnownShape *find_known_shape(const StructuringElement &element) {
+  for (const KnownShape &shape : kKnownShapes) {
+    const auto height = static_cast<std::int32_t>(shape.rows.size());
+    if (element.width != shape.width || element.height != height) continue;
+    if (element.anchor_x != shape.width / 2 || element.anchor_y != height / 2) continue;
+    std::int32_t r = 0;
+    while (r < height && row_pattern(element, r) == shape.rows[static_cast<std::size_t>(r)]) ++r;
+    if (r == height) return &shape;
   }
-  if (operation == kBitmaskErode) return all ? 1 : 0;
-  return any != 0 && (any >> (element.lane_bits - 1) & 1) == 0 ? 1 : 0;
+  return nullptr;
+}
+
+// The element's rows with only the columns of `columns`.
+ElementPlan plan_columns(const StructuringElement &element, std::uint32_t columns) {
+  std::vector<std::uint32_t> rows;
+  for (std::int32_t r = 0; r < element.height; ++r) {
+    rows.push_back(row_pattern(element, r) & columns);
+  }
+  return nox::masks::plan_element(rows, element.anchor_y);
+}
+
+// What a pass writes when the element has no members.
+void fill_rows(const MorphologyPass &pass, int value) {
+  for (std::ptrdiff_t y = 0; y < pass.height; ++y) {
+    std::memset(pass.dst + y * pass.dst_stride, value, static_cast<std::size_t>(pass.bytes));
+  }
+}
+
+void erode_any(const MorphologyPass &pass, const StructuringElement &element) {
+  const ElementPlan plan = plan_columns(element, ~0U);
+  if (plan.rows.empty()) {
+    fill_rows(pass, 0xFF);
+  } else {
+    nox::masks::erode_general(pass, plan, element.anchor_x);
+  }
+}
+
+// A column that fills its lane's top bit suppresses instead of setting pixels.
+void dilate_any(const MorphologyPass &pass, const StructuringElement &element) {
+  const std::uint32_t top = std::uint32_t{1} << (element.lane_bits - 1);
+  const ElementPlan setting = plan_columns(element, ~top);
+  if (setting.rows.empty()) {
+    fill_rows(pass, 0);
+    return;
+  }
+  nox::masks::dilate_general(pass, setting, element.anchor_x);
+  const ElementPlan suppressing = plan_columns(element, top);
+  if (suppressing.rows.empty()) return;
+  nox::masks::suppress_general(pass, suppressing, element.anchor_x);
 }
 
 }  // namespace
@@ -71,7 +122,7 @@ StructuringElement *structuring_element_new(const std::uint8_t *members, std::in
   element->lane_bytes = element->lane_bits / 8;
   element->rows = static_cast<std::uint8_t *>(
       nox_aligned_alloc(kNoxAlignment, static_cast<std::size_t>(std::max(height, 0)) * kRowBlock));
-  const auto lane = static_cast<std::size_t>(std::min(element->lane_bytes, 4));
+  const auto lane = static_cast<std::size_t>(std::clamp(element->lane_bytes, 1, 4));
   for (std::ptrdiff_t r = 0; r < height; ++r) {
     std::uint32_t pattern = 0;
     for (std::int32_t c = 0; c < std::min(width, 32); ++c) {
@@ -96,16 +147,13 @@ void bitmask_morph(BitMask *dst, const BitMask *src, const StructuringElement *e
   const std::int32_t lane = element->lane_bits;
   if (operation != kBitmaskErode && operation != kBitmaskDilate) return;
   if (lane != 8 && lane != 16 && lane != 32) return;
-  const RowExtent extent = row_extent(*src, *element);
-  for (std::int32_t y = 0; y < src->height; ++y) {
-    std::uint8_t *row = dst->data + static_cast<std::ptrdiff_t>(y) * dst->stride;
-    for (std::int32_t i = 0; i < extent.written; ++i) {
-      int byte = 0;
-      for (std::int32_t b = 0; b < 8; ++b) {
-        byte |= morph_pixel(*src, *element, operation, 8 * i + b, y, extent.read) << b;
-      }
-      row[i] = static_cast<std::uint8_t>(byte);
-    }
+  if (src->width <= 0) return;
+  const MorphologyPass pass = make_pass(dst, *src, *element);
+  const bool dilate = operation == kBitmaskDilate;
+  if (const KnownShape *shape = find_known_shape(*element)) {
+    (dilate ? shape->dilate : shape->erode)(pass);
+  } else {
+    (dilate ? dilate_any : erode_any)(pass, *element);
   }
 }
 

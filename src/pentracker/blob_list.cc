@@ -1,0 +1,123 @@
+#include "pentracker/blob_list.h"
+
+#include <cmath>
+#include <new>
+
+#include "pentracker/blob_links.h"
+#include "pentracker/components.h"
+
+namespace {
+
+using nox::pentracker::BlobLinker;
+using nox::pentracker::Components;
+
+// A followed blob has a score only after this many links.
+constexpr std::int32_t kHistoryLinks = kBlobHistory - 1;
+// A link below this is no continuation: the whole history counts for nothing.
+constexpr float kWeakestLink = 0.01F;
+
+// Makes the current slot's block hold `bytes`. Blocks are kept from round to round, because most
+// frames need about as much as the one before; one that has become far too large is given back.
+void reserve_slot(BlobList *list, std::size_t bytes) {
+  Blob *&block = list->history[list->history_index];
+  std::size_t &size = list->history_bytes[list->history_index];
+  constexpr std::size_t kSmall = 64 * 1024;
+  if (bytes <= size && (size <= kSmall || bytes >= size / 4)) return;
+  nox_aligned_free(block);
+  size = bytes + bytes / 16;
+  block = static_cast<Blob *>(nox_aligned_alloc(kNoxAlignment, size));
+}
+
+void set_geometry(Blob *blob) {
+  const auto span_x = static_cast<float>(blob->max_x - blob->min_x);
+  const auto span_y = static_cast<float>(blob->max_y - blob->min_y);
+  blob->width = static_cast<std::int32_t>(span_x + 1.0F);
+  blob->height = static_cast<std::int32_t>(span_y + 1.0F);
+  blob->centre_x = span_x * 0.5F + static_cast<float>(blob->min_x);
+  blob->centre_y = span_y * 0.5F + static_cast<float>(blob->min_y);
+}
+
+// Builds the blobs that the filter keeps, records first and all their pixels behind.
+std::int32_t make_blobs(BlobList *list) {
+  const Components &components = *list->components;
+  const auto most = static_cast<std::size_t>(components.component_count());
+  reserve_slot(list, most * sizeof(Blob) + (components.pixel_count() + Components::kCollectSlack) *
+                                               sizeof(BlobPixel));
+  Blob *blobs = list->history[list->history_index];
+  auto *pixels = reinterpret_cast<BlobPixel *>(blobs + most);
+  std::int32_t count = 0;
+  for (std::int32_t group = 0; group < components.group_count(); ++group) {
+    if (!components.is_component(group)) continue;
+    Blob *blob = new (blobs + count) Blob{};
+    blob->index = count;
+    blob->mask_width = list->width;
+    blob->mask_height = list->height;
+    components.collect(group, pixels, blob);
+    set_geometry(blob);
+    if (list->filter != nullptr && list->filter(blob, list->filter_data) == 0) continue;
+    pixels += blob->pixel_count;
+    ++count;
+  }
+  return count;
+}
+
+}  // namespace
+
+BlobList *blob_list_new(std::int32_t width, std::int32_t height) {
+  auto *list = new BlobList{};
+  list->width = width;
+  list->height = height;
+  list->history_length = kBlobHistory;
+  list->components = new Components(width, height);
+  list->linker = new BlobLinker;
+  return list;
+}
+
+void blob_list_free(BlobList *list) {
+  if (list == nullptr) return;
+  for (Blob *block : list->history) nox_aligned_free(block);
+  delete list->linker;
+  delete list->components;
+  delete list;
+}
+
+void blob_list_set_filter(BlobList *list, BlobFilter filter, void *data) {
+  list->filter = filter;
+  list->filter_data = data;
+}
+
+std::int32_t blob_list_label(BlobList *list, const BitMask *mask) {
+  list->components->label(mask);
+  const std::int32_t before = list->history_index;
+  list->history_index = (before + 1) % kBlobHistory;
+  list->history_counts[list->history_index] = 0;
+  const std::int32_t count = make_blobs(list);
+  list->history_counts[list->history_index] = count;
+  list->linker->link({list->history[before], list->history_counts[before]},
+                     {list->history[list->history_index], count});
+  return count;
+}
+
+std::int32_t blob_list_count(const BlobList *list) {
+  return list->history_counts[list->history_index];
+}
+
+Blob *blob_list_get(const BlobList *list, std::int32_t i) {
+  return list->history[list->history_index] + i;
+}
+
+int blob_inside(const Blob *a, const Blob *b) {
+  return a->min_x >= b->min_x && a->min_y >= b->min_y && a->max_x <= b->max_x &&
+         a->max_y <= b->max_y;
+}
+
+float blob_history_score(const Blob *blob) {
+  float sum = 0.0F;
+  for (std::int32_t link = 0; link < kHistoryLinks; ++link) {
+    if (blob->match_score < kWeakestLink) return 0.0F;
+    sum += blob->match_score;
+    blob = blob->previous;
+    if (blob == nullptr) return 0.0F;
+  }
+  return sum;
+}

@@ -1,0 +1,18 @@
+// Compares the blobs of a list with those of the plain reference, field by field.
+#ifndef PENTRACKER_BLOB_COMPARE_H_
+#define PENTRACKER_BLOB_COMPARE_H_
+
+#include <gtest/gtest.h>
+
+#include "pentracker/blob_list.h"
+#include "pentracker/blob_list_plain.h"
+
+namespace nox::test {
+
+// Success when the current frame of both holds the same blobs: pixels in the same order, every
+// number the same to the last bit, links to the same blobs.
+testing::AssertionResult same_blobs(const BlobList *list, const PlainBlobList &plain);
+
+}  // namespace nox::test
+
+#endif  // PENTRACKER_BLOB_COMPARE_H_
