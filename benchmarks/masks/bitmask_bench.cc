@@ -8,13 +8,19 @@
 #include "masks/mask_maker.h"
 #include "masks/peers.h"
 #include "masks/pictures.h"
-#include "masks/target_runs.h"
+#include "support/target_runs.h"
 
 namespace nox::bench {
 namespace {
 
+template <typename Run>
+void register_nox(const std::string &name, Run run) {
+  benchmark::RegisterBenchmark((name + "/nox").c_str(), run);
+  register_targets(name, run);
+}
+
 void register_threshold(const std::string &name, const Picture &picture) {
-  register_targets(name, [picture](benchmark::State &state) {
+  register_nox(name, [picture](benchmark::State &state) {
     const test::MaskPtr mask = test::make_mask(picture.width, picture.height);
     for (auto _ : state) {
       bitmask_threshold(mask.get(), picture.samples.get(), picture.width, kLimit);
@@ -37,7 +43,7 @@ void register_threshold(const std::string &name, const Picture &picture) {
 }
 
 void register_and_not(const std::string &name, const Picture &picture) {
-  register_targets(name, [picture](benchmark::State &state) {
+  register_nox(name, [picture](benchmark::State &state) {
     const test::MaskPtr a = make_mask(picture);
     const test::MaskPtr b = make_mask(picture);
     const test::MaskPtr dst = make_mask(picture);
@@ -61,7 +67,7 @@ void register_and_not(const std::string &name, const Picture &picture) {
 }
 
 void register_or(const std::string &name, const Picture &picture) {
-  register_targets(name, [picture](benchmark::State &state) {
+  register_nox(name, [picture](benchmark::State &state) {
     const test::MaskPtr a = make_mask(picture);
     const test::MaskPtr dst = make_mask(picture);
     for (auto _ : state) {

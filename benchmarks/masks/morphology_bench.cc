@@ -9,14 +9,20 @@
 #include "masks/peers.h"
 #include "masks/pictures.h"
 #include "masks/shapes.h"
-#include "masks/target_runs.h"
+#include "support/target_runs.h"
 
 namespace nox::bench {
 namespace {
 
+template <typename Run>
+void register_nox(const std::string &name, Run run) {
+  benchmark::RegisterBenchmark((name + "/nox").c_str(), run);
+  register_targets(name, run);
+}
+
 void register_morph(const std::string &name, const Picture &picture, const test::Shape &shape,
                     int operation) {
-  register_targets(name, [=](benchmark::State &state) {
+  register_nox(name, [=](benchmark::State &state) {
     const test::MaskPtr src = make_mask(picture);
     const test::MaskPtr dst = make_mask(picture);
     const test::ElementPtr element = test::make_element(shape);
@@ -57,7 +63,7 @@ void register_morph(const std::string &name, const Picture &picture, const test:
 
 // Dilation, then erosion of the result.
 void register_closing(const std::string &name, const Picture &picture, const test::Shape &shape) {
-  register_targets(name, [=](benchmark::State &state) {
+  register_nox(name, [=](benchmark::State &state) {
     const test::MaskPtr src = make_mask(picture);
     const test::MaskPtr dilated = make_mask(picture);
     const test::MaskPtr dst = make_mask(picture);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#define HWY_WANT_AVX3_DL
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "masks/bitmask_kernels.cc"
 #include "hwy/foreach_target.h"  // IWYU pragma: keep

@@ -12,6 +12,7 @@
 #undef HWY_DISABLED_TARGETS
 // Arrays of vectors: not for vectors whose size the compiler does not know.
 #define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
+#define HWY_WANT_AVX3_DL
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "masks/morphology_general.cc"
 #include "hwy/foreach_target.h"  // IWYU pragma: keep
@@ -58,6 +59,12 @@ struct Suppress {
 // lane is one instruction less than one count for all.
 template <class V>
 HWY_INLINE V bits_from_same(const Words<V> &words, int bits) {
+#if HWY_TARGET <= HWY_AVX3_DL
+  if constexpr (sizeof(words.here.raw) == sizeof(__m512i)) {
+    const __m512i counts = _mm512_set1_epi64(bits);
+    return V{_mm512_shrdv_epi64(words.here.raw, words.next.raw, counts)};
+  }
+#endif
 #if HWY_TARGET <= HWY_AVX2
   const hn::DFromV<V> d;
   return hn::Or(hn::Shr(words.here, hn::Set(d, static_cast<std::uint64_t>(bits))),

@@ -47,6 +47,11 @@ struct Words {
 // Bit i of each word becomes the row's bit i + kBits.
 template <int kBits, class V>
 HWY_INLINE V bits_from(const Words<V> &words) {
+#if HWY_TARGET <= HWY_AVX3_DL
+  if constexpr (sizeof(words.here.raw) == sizeof(__m512i)) {
+    return V{_mm512_shrdi_epi64(words.here.raw, words.next.raw, kBits)};
+  }
+#endif
   return hn::Or(hn::ShiftRight<kBits>(words.here), hn::ShiftLeft<64 - kBits>(words.next));
 }
 

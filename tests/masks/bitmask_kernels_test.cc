@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#define HWY_WANT_AVX3_DL  // as the kernels do
 #include "hwy/tests/hwy_gtest.h"
 #include "masks/bitmask.h"
 #include "masks/bitmask_plain.h"

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#define HWY_WANT_AVX3_DL  // as the kernels do
 #include "hwy/tests/hwy_gtest.h"
 #include "masks/mask_maker.h"
 #include "masks/morphology.h"
