@@ -30,9 +30,8 @@ Plane gradient(const NoxVideoFrame &in, const int (&kernel)[3][3]) {
     for (std::int32_t x = 0; x < in.width - 3; ++x) {
       std::int32_t sum = 0;
       for (int j = 0; j < 3; ++j) {
-        for (int i = 0; i < 3; ++i) {
-          sum += in.planes[0][luma_at(in, x + i, y + j)] * kernel[j][i];
-        }
+        const std::uint8_t *row = in.planes[0] + luma_at(in, x, y + j);
+        for (int i = 0; i < 3; ++i) sum += row[i] * kernel[j][i];
       }
       const auto value = static_cast<std::int16_t>(5 * sum);
       gradient[luma_at(in, x + 1, y + 1)] =
@@ -97,10 +96,7 @@ PlainMask PlainHistory::in_any() const {
 
 PlainMask PlainHistory::where_count_is_at_least(std::size_t least) const {
   PlainMask answer(masks_.front().width(), masks_.front().height());
-  std::size_t i = 0;
-  for (std::int32_t y = 0; y < answer.height(); ++y) {
-    for (std::int32_t x = 0; x < answer.stored(); ++x) answer.set(x, y, counts_[i++] >= least);
-  }
+  for (std::size_t i = 0; i < counts_.size(); ++i) answer.bits()[i] = counts_[i] >= least ? 1 : 0;
   return answer;
 }
 

@@ -10,29 +10,30 @@
 
 namespace nox::test {
 
-// One byte per pixel, 0 or 1, with the columns beyond the width that a mask row stores.
+// One byte per pixel, 0 or 1, with the columns beyond the width that a mask row stores, and a
+// margin of one zero on every side.
 class PlainMask {
  public:
   PlainMask(std::int32_t width, std::int32_t height)
       : width_(width),
         stored_((width + 127) / 128 * 128),
         height_(height),
-        bits_(static_cast<std::size_t>(stored_) * static_cast<std::size_t>(height)) {}
+        bits_(static_cast<std::size_t>(stored_ + 2) * static_cast<std::size_t>(height + 2)) {}
 
   std::int32_t width() const { return width_; }
   std::int32_t stored() const { return stored_; }
   std::int32_t height() const { return height_; }
-  // 0 outside.
-  bool get(std::int32_t x, std::int32_t y) const {
-    return x >= 0 && x < stored_ && y >= 0 && y < height_ && bits_[at(x, y)] != 0;
-  }
+  // -1 <= x <= stored() and -1 <= y <= height().
+  bool get(std::int32_t x, std::int32_t y) const { return bits_[at(x, y)] != 0; }
   void set(std::int32_t x, std::int32_t y, bool value) { bits_[at(x, y)] = value ? 1 : 0; }
+  // With the margin, row by row.
   const std::vector<std::uint8_t> &bits() const { return bits_; }
+  std::vector<std::uint8_t> &bits() { return bits_; }
 
  private:
   std::size_t at(std::int32_t x, std::int32_t y) const {
-    return static_cast<std::size_t>(y) * static_cast<std::size_t>(stored_) +
-           static_cast<std::size_t>(x);
+    return static_cast<std::size_t>(y + 1) * static_cast<std::size_t>(stored_ + 2) +
+           static_cast<std::size_t>(x + 1);
   }
 
   std::int32_t width_;
