@@ -1,7 +1,6 @@
 #include "pentracker/blob_list.h"
 
 #include <cmath>
-#include <new>
 
 #include "pentracker/blob_links.h"
 #include "pentracker/components.h"
@@ -9,6 +8,8 @@
 namespace {
 
 using nox::pentracker::BlobLinker;
+using nox::pentracker::Box;
+using nox::pentracker::Component;
 using nox::pentracker::Components;
 
 // A followed blob has a score only after this many links.
@@ -28,35 +29,41 @@ void reserve_slot(BlobList *list, std::size_t bytes) {
   block = static_cast<Blob *>(nox_aligned_alloc(kNoxAlignment, size));
 }
 
-void set_geometry(Blob *blob) {
-  const auto span_x = static_cast<float>(blob->max_x - blob->min_x);
-  const auto span_y = static_cast<float>(blob->max_y - blob->min_y);
+void fill_blob(const BlobList *list, const Component &component, const BlobPixel *pixels,
+               Blob *blob) {
+  const Box &box = component.box;
+  const auto span_x = static_cast<float>(box.max_x - box.min_x);
+  const auto span_y = static_cast<float>(box.max_y - box.min_y);
+  *blob = Blob{};
+  blob->mask_width = list->width;
+  blob->mask_height = list->height;
+  blob->pixels = pixels + component.first_pixel;
+  blob->pixel_count = component.pixel_count;
+  blob->min_x = box.min_x;
+  blob->min_y = box.min_y;
+  blob->max_x = box.max_x;
+  blob->max_y = box.max_y;
   blob->width = static_cast<std::int32_t>(span_x + 1.0F);
   blob->height = static_cast<std::int32_t>(span_y + 1.0F);
-  blob->centre_x = span_x * 0.5F + static_cast<float>(blob->min_x);
-  blob->centre_y = span_y * 0.5F + static_cast<float>(blob->min_y);
+  blob->centre_x = span_x * 0.5F + static_cast<float>(box.min_x);
+  blob->centre_y = span_y * 0.5F + static_cast<float>(box.min_y);
 }
 
-// Builds the blobs that the filter keeps, records first and all their pixels behind.
+// Fills the current slot: the blobs that the filter keeps, and behind the room for all of them the
+// pixels, also those of blobs that are dropped.
 std::int32_t make_blobs(BlobList *list) {
-  const Components &components = *list->components;
-  const auto most = static_cast<std::size_t>(components.component_count());
-  reserve_slot(list, most * sizeof(Blob) + (components.pixel_count() + Components::kCollectSlack) *
-                                               sizeof(BlobPixel));
+  const Components &labelled = *list->components;
+  const std::size_t most = labelled.components().size();
+  reserve_slot(list, most * sizeof(Blob) + labelled.pixel_count() * sizeof(BlobPixel));
   Blob *blobs = list->history[list->history_index];
   auto *pixels = reinterpret_cast<BlobPixel *>(blobs + most);
+  labelled.write_pixels(pixels);
   std::int32_t count = 0;
-  for (std::int32_t group = 0; group < components.group_count(); ++group) {
-    if (!components.is_component(group)) continue;
-    Blob *blob = new (blobs + count) Blob{};
+  for (const Component &component : labelled.components()) {
+    Blob *blob = blobs + count;
+    fill_blob(list, component, pixels, blob);
     blob->index = count;
-    blob->mask_width = list->width;
-    blob->mask_height = list->height;
-    components.collect(group, pixels, blob);
-    set_geometry(blob);
-    if (list->filter != nullptr && list->filter(blob, list->filter_data) == 0) continue;
-    pixels += blob->pixel_count;
-    ++count;
+    if (list->filter == nullptr || list->filter(blob, list->filter_data) != 0) ++count;
   }
   return count;
 }

@@ -15,7 +15,14 @@ namespace {
 // overwritten by the next run or never looked at.
 constexpr std::int32_t kFillStep = 8;
 
-constexpr std::int32_t kRightOfPicture = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t kNone = -1;
+constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t kRightOfPicture = kHighest;
+
+std::size_t at(std::int32_t i) {
+  return static_cast<std::size_t>(i);
+}
 
 void fill_groups(std::int32_t *groups, std::int32_t begin, std::int32_t end, std::int32_t group) {
   for (std::int32_t x = begin; x < end; x += kFillStep) {
@@ -29,11 +36,22 @@ std::int32_t *append_bits(std::int32_t *out, std::uint64_t bits, std::int32_t fi
   return out;
 }
 
-// Writes the pixels of one row four at a time, spilling over by up to Components::kCollectSlack.
-void write_pixels(BlobPixel *out, std::int32_t begin, std::int32_t end, std::int32_t y) {
-  for (std::int32_t x = begin; x < end; x += 4, out += 4) {
-    for (std::int32_t i = 0; i < 4; ++i) out[i] = {x + i, y};
-  }
+// Writes the pixels begin to end - 1 of a row. Most runs of a noisy mask are a few pixels long: up
+// to three are written without a branch on their number.
+void write_run(BlobPixel *out, std::int32_t begin, std::int32_t end, std::int32_t y) {
+  const std::int32_t last = end - begin - 1;
+  out[0] = {begin, y};
+  out[last / 2] = {begin + last / 2, y};
+  out[last] = {end - 1, y};
+  if (last < 3) return;
+  for (std::int32_t i = 1; i < last; ++i) out[i] = {begin + i, y};
+}
+
+void extend(Box *box, const Box &other) {
+  box->min_x = std::min(box->min_x, other.min_x);
+  box->min_y = std::min(box->min_y, other.min_y);
+  box->max_x = std::max(box->max_x, other.max_x);
+  box->max_y = std::max(box->max_y, other.max_y);
 }
 
 }  // namespace
@@ -49,39 +67,45 @@ Components::Components(std::int32_t width, std::int32_t height) : width_(width),
 }
 
 void Components::label(const BitMask *mask) {
-  segment_count_ = group_count_ = merge_count_ = 0;
+  segment_count_ = group_count_ = 0;
   pixel_count_ = 0;
   std::fill(above_.words.begin(), above_.words.end(), 0);
   std::fill(above_.cuts.begin(), above_.cuts.end(), 0);
+  above_.empty = true;
   for (std::int32_t y = 0; y < height_; ++y) {
-    load_row_words(mask, y, row_.words.data());
+    row_.empty = !load_row_words(mask, y, row_.words.data());
+    if (row_.empty && above_.empty) continue;
     std::fill(row_.cuts.begin(), row_.cuts.end(), 0);
     reserve_row();
-    find_events(words_of(width_));
+    find_events();
     scan_row(y);
     std::swap(above_, row_);
   }
+  list_components();
 }
 
 // Makes room for all that one row can add: a segment for each pixel, a group for every other one.
 void Components::reserve_row() {
-  const std::size_t pixels = at(width_);
-  if (segments_.size() < at(segment_count_) + pixels)
+  const std::size_t pixels = at(width_) + 1;
+  if (segments_.size() < at(segment_count_) + pixels) {
     segments_.resize(2 * segments_.size() + pixels);
+  }
   if (groups_.size() < at(group_count_) + pixels) {
     groups_.resize(2 * groups_.size() + pixels);
     parents_.resize(groups_.size());
   }
 }
 
-void Components::find_events(std::int32_t words) {
+void Components::find_events() {
   std::int32_t *start = starts_.data();
   std::int32_t *end = ends_.data();
   std::int32_t *contact = contacts_.data();
   std::uint64_t left = 0;          // the pixel left of this word, in bit 0
   std::uint64_t left_overlap = 0;  // the same of the pixels that are set in both rows
+  const std::int32_t words = words_of(width_);
   for (std::int32_t w = 0; w < words; ++w) {
     const std::uint64_t row = row_.words[at(w)];
+    if ((row | left) == 0) continue;
     const std::uint64_t overlap = row & above_.words[at(w)];
     const std::uint64_t shifted = row << 1 | left;
     const std::uint64_t meets = overlap & (~(overlap << 1 | left_overlap) | above_.cuts[at(w)]);
@@ -90,53 +114,73 @@ void Components::find_events(std::int32_t words) {
     contact = append_bits(contact, meets, w * kWordBits);
     left = row >> (kWordBits - 1);
     left_overlap = overlap >> (kWordBits - 1);
-    pixel_count_ += static_cast<std::size_t>(std::popcount(row));
   }
   if (left != 0) *end++ = words * kWordBits;
   *start = *contact = kRightOfPicture;
 }
 
+// What the scan of a row works on, apart from the object: the compiler need not fear that writing a
+// group changes where the groups are.
+struct Components::RowScan {
+  const std::int32_t *above;  // groups of the row above
+  std::int32_t *row;          // groups of this row
+  std::uint64_t *cuts;
+  Group *groups;
+  Segment *segment;  // the next one to be written
+  std::int32_t y;
+
+  void add_segment(std::int32_t group, std::int32_t begin, std::int32_t end) {
+    *segment++ = {begin, end, y, group};
+    Group &owner = groups[group];
+    owner.pixel_count += end - begin;
+    owner.box.min_x = std::min(owner.box.min_x, begin);
+    owner.box.max_x = std::max(owner.box.max_x, end - 1);
+    owner.box.max_y = y;
+    fill_groups(row, begin, end, group);
+  }
+
+  // Ends the segment of `group` before x, where the run goes on in another group.
+  void cut(std::int32_t group, std::int32_t begin, std::int32_t x) {
+    add_segment(group, begin, x);
+    cuts[x / kWordBits] |= std::uint64_t{1} << (x % kWordBits);
+  }
+};
+
 void Components::scan_row(std::int32_t y) {
+  RowScan scan{above_.groups.data(),
+               row_.groups.data(),
+               row_.cuts.data(),
+               groups_.data(),
+               segments_.data() + segment_count_,
+               y};
+  std::int32_t *const parents = parents_.data();
+  std::int32_t made = group_count_;
   const std::int32_t *contact = contacts_.data();
   const std::int32_t *end = ends_.data();
   for (const std::int32_t *start = starts_.data(); *start != kRightOfPicture; ++start, ++end) {
     // A run starts in the group above its first pixel or, without one, in a new group. The new one
     // is prepared in any case, which spares a branch that noise makes unpredictable.
-    const bool joins = *contact == *start;
-    groups_[at(group_count_)] = {segment_count_, segment_count_, kNone, group_count_};
-    parents_[at(group_count_)] = group_count_;
-    std::int32_t group = joins ? above_.groups[at(*start)] : group_count_;
-    group_count_ += joins ? 0 : 1;
-    contact += joins ? 1 : 0;
     std::int32_t begin = *start;
-    for (; *contact < *end; ++contact) group = pass_contact(group, *contact, y, &begin);
-    add_segment(group, begin, *end, y);
+    const bool joins = *contact == begin;
+    scan.groups[made] = {{begin, y, begin, y}, 0, kNone, made};
+    parents[made] = made;
+    std::int32_t group = joins ? scan.above[begin] : made;
+    made += joins ? 0 : 1;
+    contact += joins ? 1 : 0;
+    for (; *contact < *end; ++contact) {
+      const std::int32_t x = *contact;
+      const std::int32_t other = scan.above[x];
+      if (other == group) continue;
+      merge(std::min(group, other), std::max(group, other));
+      if (other > group) continue;
+      scan.cut(group, begin, x);
+      begin = x;
+      group = other;
+    }
+    scan.add_segment(group, begin, *end);
   }
-}
-
-// At pixel x the run, until here in `group`, has a segment of the row above over it. Returns the
-// group in which it goes on; where that is another one, the segment from `begin` ends before x.
-inline std::int32_t Components::pass_contact(std::int32_t group, std::int32_t x, std::int32_t y,
-                                             std::int32_t *begin) {
-  const std::int32_t above = above_.groups[at(x)];
-  if (above == group) return group;
-  merge(std::min(group, above), std::max(group, above));
-  if (above > group) return group;
-  add_segment(group, *begin, x, y);
-  row_.cuts[at(x / kWordBits)] |= std::uint64_t{1} << (x % kWordBits);
-  *begin = x;
-  return above;
-}
-
-inline void Components::add_segment(std::int32_t group, std::int32_t begin, std::int32_t end,
-                                    std::int32_t y) {
-  Group &owner = groups_[at(group)];
-  // A new group names its first segment as its last one already: the link written here is
-  // overwritten by the segment itself.
-  segments_[at(owner.last)].next = segment_count_;
-  segments_[at(segment_count_)] = {begin, end, y, kNone};
-  owner.last = segment_count_++;
-  fill_groups(row_.groups.data(), begin, end, group);
+  group_count_ = made;
+  segment_count_ = static_cast<std::int32_t>(scan.segment - segments_.data());
 }
 
 inline std::int32_t Components::root(std::int32_t group) {
@@ -155,32 +199,46 @@ inline void Components::merge(std::int32_t small, std::int32_t large) {
   parents_[at(absorbed)] = kept;
   groups_[at(groups_[at(kept)].last_merged)].next_merged = absorbed;
   groups_[at(kept)].last_merged = groups_[at(absorbed)].last_merged;
-  ++merge_count_;
 }
 
-void Components::collect(std::int32_t component, BlobPixel *pixels, Blob *blob) const {
-  BlobPixel *out = pixels;
-  std::int32_t min_x = std::numeric_limits<std::int32_t>::max();
-  std::int32_t min_y = min_x;
-  std::int32_t max_x = std::numeric_limits<std::int32_t>::min();
-  std::int32_t max_y = max_x;
-  for (std::int32_t g = component; g != kNone; g = groups_[at(g)].next_merged) {
-    for (std::int32_t s = groups_[at(g)].first; s != kNone; s = segments_[at(s)].next) {
-      const Segment &segment = segments_[at(s)];
-      write_pixels(out, segment.begin, segment.end, segment.y);
-      out += segment.end - segment.begin;
-      min_x = std::min(min_x, segment.begin);
-      max_x = std::max(max_x, segment.end - 1);
-      min_y = std::min(min_y, segment.y);
-      max_y = std::max(max_y, segment.y);
-    }
+void Components::list_components() {
+  components_.resize(at(group_count_));
+  std::size_t count = 0;
+  for (std::int32_t group = 0; group < group_count_; ++group) {
+    components_[count].id = group;
+    count += parents_[at(group)] == group ? 1 : 0;
   }
-  blob->pixels = pixels;
-  blob->pixel_count = static_cast<std::int32_t>(out - pixels);
-  blob->min_x = min_x;
-  blob->min_y = min_y;
-  blob->max_x = max_x;
-  blob->max_y = max_y;
+  components_.resize(count);
+  first_pixels_.resize(at(group_count_));
+  for (Component &component : components_) complete(&component);
+}
+
+// Gives the pixels of each group of the component their place.
+void Components::complete(Component *component) {
+  const Group *group = &groups_[at(component->id)];
+  Box box = group->box;
+  auto pixel = static_cast<std::int32_t>(pixel_count_);
+  component->first_pixel = first_pixels_[at(component->id)] = pixel;
+  pixel += group->pixel_count;
+  while (group->next_merged != kNone) {
+    first_pixels_[at(group->next_merged)] = pixel;
+    group = &groups_[at(group->next_merged)];
+    pixel += group->pixel_count;
+    extend(&box, group->box);
+  }
+  component->box = box;
+  component->pixel_count = pixel - component->first_pixel;
+  pixel_count_ = at(pixel);
+}
+
+void Components::write_pixels(BlobPixel *pixels) const {
+  next_pixels_ = first_pixels_;
+  for (std::int32_t i = 0; i < segment_count_; ++i) {
+    const Segment &segment = segments_[at(i)];
+    std::int32_t &next = next_pixels_[at(segment.group)];
+    write_run(pixels + next, segment.begin, segment.end, segment.y);
+    next += segment.end - segment.begin;
+  }
 }
 
 }  // namespace nox::pentracker

@@ -11,6 +11,17 @@
 
 namespace nox::pentracker {
 
+struct Box {
+  std::int32_t min_x, min_y, max_x, max_y;  // inclusive
+};
+
+struct Component {
+  std::int32_t id;
+  std::int32_t first_pixel;  // among the pixels of all components
+  std::int32_t pixel_count;
+  Box box;
+};
+
 // Scanning row by row and left to right, a pixel joins the group of the pixel above it or left of
 // it; a pixel with neither starts a new group, and groups are numbered in that order. A pixel
 // between two groups joins the one with the smaller number, and the two are merged: the root of the
@@ -27,27 +38,22 @@ class Components {
 
   void label(const BitMask *mask);
 
-  // Numbers of all groups ever made by the last call: 0 to group_count() - 1. Those for which
-  // is_component() holds are the components; the others were merged into them.
-  std::int32_t group_count() const { return group_count_; }
-  bool is_component(std::int32_t group) const { return parents_[at(group)] == group; }
-  std::int32_t component_count() const { return group_count_ - merge_count_; }
+  // The components of the last mask, by rising id.
+  const std::vector<Component> &components() const { return components_; }
   std::size_t pixel_count() const { return pixel_count_; }  // of all components together
 
-  // What collect() writes past the last pixel of a component, at most.
-  static constexpr std::size_t kCollectSlack = 3;
-
-  // Writes the pixels of a component to `pixels` and sets the blob's pixel count and bounding box.
-  void collect(std::int32_t component, BlobPixel *pixels, Blob *blob) const;
+  // Writes the pixels of all components, one component after the other.
+  void write_pixels(BlobPixel *pixels) const;
 
  private:
   // Consecutive pixels of one row that joined one group.
   struct Segment {
-    std::int32_t begin, end, y;
-    std::int32_t next;  // the group's next one; kNone at its last
+    std::int32_t begin, end, y, group;
   };
+  struct RowScan;
   struct Group {
-    std::int32_t first, last;               // its segments
+    Box box;
+    std::int32_t pixel_count;
     std::int32_t next_merged, last_merged;  // the chain of groups that a root has taken in
   };
   // One row: words of pixels, and the group of each set pixel.
@@ -55,19 +61,16 @@ class Components {
     std::vector<std::uint64_t> words;
     std::vector<std::uint64_t> cuts;  // pixels at which the group changes within a run
     std::vector<std::int32_t> groups;
+    bool empty;
   };
-  static constexpr std::int32_t kNone = -1;
-
-  static std::size_t at(std::int32_t i) { return static_cast<std::size_t>(i); }
 
   void reserve_row();
-  void find_events(std::int32_t words);
+  void find_events();
   void scan_row(std::int32_t y);
-  std::int32_t pass_contact(std::int32_t group, std::int32_t x, std::int32_t y,
-                            std::int32_t *begin);
-  void add_segment(std::int32_t group, std::int32_t begin, std::int32_t end, std::int32_t y);
   std::int32_t root(std::int32_t group);
   void merge(std::int32_t small, std::int32_t large);
+  void list_components();
+  void complete(Component *component);
 
   std::int32_t width_, height_;
   Row above_, row_;
@@ -77,9 +80,11 @@ class Components {
   std::vector<Segment> segments_;
   std::vector<Group> groups_;
   std::vector<std::int32_t> parents_;
+  std::vector<std::int32_t> first_pixels_;  // of each group, among the pixels of all components
+  mutable std::vector<std::int32_t> next_pixels_;
+  std::vector<Component> components_;
   std::int32_t segment_count_ = 0;
   std::int32_t group_count_ = 0;
-  std::int32_t merge_count_ = 0;
   std::size_t pixel_count_ = 0;
 };
 
