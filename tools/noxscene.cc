@@ -6,13 +6,19 @@
 #include <string>
 #include <vector>
 
+#include "scenes/edge_scene.h"
+#include "scenes/pen_scene.h"
 #include "scenes/qr_scene.h"
 #include "video/nox_video_frame.h"
 
 namespace {
 
 constexpr const char *kUsage =
-    "usage: noxscene qr [--size WIDTHxHEIGHT] [--frames COUNT] PAYLOAD...\n"
+    "usage: noxscene [--size WIDTHxHEIGHT] [--frames COUNT] SCENE\n"
+    "SCENE is one of\n"
+    "  qr PAYLOAD...  cards with QR codes\n"
+    "  pen            a pen of light over a desk\n"
+    "  edges          a desk whose edges come and go\n"
     "WIDTH is a multiple of 8 and HEIGHT even. "
     "Writes COUNT I420 frames (default: 90 of 1280x720, meant for 30 a second) to standard "
     "output.\n";
@@ -40,7 +46,7 @@ bool parse(int argc, char **argv, Options *options) {
     }
   }
   return options->width > 0 && options->height > 0 && options->width % 8 == 0 &&
-         options->height % 2 == 0 && options->frames > 0 && options->words.size() >= 2;
+         options->height % 2 == 0 && options->frames > 0 && !options->words.empty();
 }
 
 bool write_planes(const NoxVideoFrame &frame) {
@@ -52,15 +58,15 @@ bool write_planes(const NoxVideoFrame &frame) {
   return true;
 }
 
-int write_qr_scene(const Options &options) {
-  nox::scenes::QrScene scene(options.width, options.height,
-                             {options.words.begin() + 1, options.words.end()});
+// Renders frames `first` and on of a scene and writes them.
+template <typename Scene>
+int write_scene(Scene scene, const Options &options, std::uint32_t first) {
   NoxVideoFrame frame;
   nox_video_frame_alloc(&frame, kNoxFormatI420 | kNoxFormatStudioRange, options.width,
                         options.height);
   bool written = true;
   for (int i = 0; i < options.frames && written; ++i) {
-    scene.render(static_cast<std::uint32_t>(i), &frame);
+    scene.render(first + static_cast<std::uint32_t>(i), &frame);
     written = write_planes(frame);
   }
   nox_video_frame_free_planes(&frame);
@@ -68,16 +74,36 @@ int write_qr_scene(const Options &options) {
   return written ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
+int write_named_scene(const Options &options) {
+  const std::string &name = options.words[0];
+  const std::size_t arguments = options.words.size() - 1;
+  const int width = options.width;
+  const int height = options.height;
+  if (name == "qr" && arguments > 0) {
+    return write_scene(
+        nox::scenes::QrScene(width, height, {options.words.begin() + 1, options.words.end()}),
+        options, 0);
+  }
+  if (name == "pen" && arguments == 0) {
+    return write_scene(nox::scenes::PenScene(width, height), options, 0);
+  }
+  if (name == "edges" && arguments == 0) {
+    return write_scene(nox::scenes::EdgeScene(width, height), options, 1);
+  }
+  std::fputs(kUsage, stderr);
+  return EXIT_FAILURE;
+}
+
 }  // namespace
 
 int main(int argc, char **argv) {
   Options options;
-  if (!parse(argc, argv, &options) || options.words[0] != "qr") {
+  if (!parse(argc, argv, &options)) {
     std::fputs(kUsage, stderr);
     return EXIT_FAILURE;
   }
   try {
-    return write_qr_scene(options);
+    return write_named_scene(options);
   } catch (const std::exception &error) {
     std::fprintf(stderr, "noxscene: %s\n", error.what());
     return EXIT_FAILURE;

@@ -30,8 +30,13 @@ nox::masks::SamplePlane sample_plane(const BitMask &mask, const std::uint8_t *pl
   return {plane, stride, std::max<std::ptrdiff_t>(last, 0) + row};
 }
 
+// Masks of negative sizes have an empty block.
+std::size_t block_bytes(const BitMask &mask) {
+  return static_cast<std::size_t>(std::max(mask.size, 0));
+}
+
 void clear(BitMask *mask) {
-  std::memset(mask->block, 0, static_cast<std::size_t>(mask->size));
+  std::memset(mask->block, 0, block_bytes(*mask));
 }
 
 }  // namespace
@@ -42,8 +47,7 @@ BitMask *bitmask_new(std::int32_t width, std::int32_t height) {
   mask->height = height;
   mask->stride = row_stride(width);
   mask->size = height * mask->stride;
-  mask->block = static_cast<std::uint8_t *>(
-      nox_aligned_alloc(kNoxAlignment, static_cast<std::size_t>(mask->size)));
+  mask->block = static_cast<std::uint8_t *>(nox_aligned_alloc(kNoxAlignment, block_bytes(*mask)));
   mask->data = mask->block + kFrontPadding;
   clear(mask);
   return mask;
@@ -56,7 +60,7 @@ void bitmask_free(BitMask *mask) {
 }
 
 void bitmask_copy(BitMask *dst, const BitMask *src) {
-  std::memcpy(dst->block, src->block, static_cast<std::size_t>(dst->size));
+  std::memcpy(dst->block, src->block, block_bytes(*dst));
 }
 
 void bitmask_threshold(BitMask *dst, const std::uint8_t *plane, std::int32_t plane_stride,

@@ -42,6 +42,12 @@ HWY_INLINE void threshold_part(const std::uint8_t *samples, std::ptrdiff_t count
   hn::StoreMaskBits(d, hn::And(passed, present), bits);
 }
 
+template <class Compare, class D>
+HWY_INLINE void threshold_vector(D d, const std::uint8_t *samples, hn::Vec<D> limit,
+                                 std::uint8_t *bits) {
+  hn::StoreMaskBits(d, Compare()(hn::LoadU(d, samples), limit), bits);
+}
+
 template <class Compare>
 HWY_INLINE void threshold_row(const std::uint8_t *samples, std::ptrdiff_t count, std::uint8_t limit,
                               std::uint8_t *bits) {
@@ -49,26 +55,43 @@ HWY_INLINE void threshold_row(const std::uint8_t *samples, std::ptrdiff_t count,
   const Group group;
   const auto lanes = static_cast<std::ptrdiff_t>(hn::Lanes(d));
   const auto wide_limit = hn::Set(d, limit);
+  // Two vectors a turn: one is too little work beside the loop's own.
+  for (; count >= 2 * lanes; count -= 2 * lanes) {
+    threshold_vector<Compare>(d, samples, wide_limit, bits);
+    threshold_vector<Compare>(d, samples + lanes, wide_limit, bits + lanes / 8);
+    samples += 2 * lanes;
+    bits += 2 * lanes / 8;
+  }
+  if (count >= lanes) {
+    threshold_vector<Compare>(d, samples, wide_limit, bits);
+    samples += lanes;
+    bits += lanes / 8;
+    count -= lanes;
+  }
   const auto group_limit = hn::Set(group, limit);
-  std::ptrdiff_t x = 0;
-  for (; x + lanes <= count; x += lanes) {
-    hn::StoreMaskBits(d, Compare()(hn::LoadU(d, samples + x), wide_limit), bits + x / 8);
+  for (; count >= kThresholdGroup; count -= kThresholdGroup) {
+    threshold_vector<Compare>(group, samples, group_limit, bits);
+    samples += kThresholdGroup;
+    bits += kThresholdGroup / 8;
   }
-  for (; x + kThresholdGroup <= count; x += kThresholdGroup) {
-    const auto passed = Compare()(hn::LoadU(group, samples + x), group_limit);
-    hn::StoreMaskBits(group, passed, bits + x / 8);
-  }
-  if (x < count) threshold_part<Compare>(samples + x, count - x, limit, bits + x / 8);
+  if (count > 0) threshold_part<Compare>(samples, count, limit, bits);
 }
 
 template <class Compare>
 HWY_INLINE void threshold_rows(BitMask *dst, const SamplePlane &plane, std::uint8_t limit) {
   const std::ptrdiff_t width =
       (dst->width + kThresholdGroup - 1) / kThresholdGroup * kThresholdGroup;
-  for (std::ptrdiff_t y = 0; y < dst->height; ++y) {
-    const std::ptrdiff_t start = y * plane.stride;
-    const std::ptrdiff_t count = std::min(width, plane.extent - start);
-    threshold_row<Compare>(plane.samples + start, count, limit, dst->data + y * dst->stride);
+  const std::uint8_t *samples = plane.samples;
+  std::uint8_t *bits = dst->data;
+  // Locals: the compiler would reload the fields after every store of bits.
+  const std::ptrdiff_t sample_stride = plane.stride;
+  const std::ptrdiff_t bit_stride = dst->stride;
+  std::ptrdiff_t readable = plane.extent;
+  for (std::int32_t rows = dst->height; rows > 0; --rows) {
+    threshold_row<Compare>(samples, std::min(width, readable), limit, bits);
+    samples += sample_stride;
+    readable -= sample_stride;
+    bits += bit_stride;
   }
 }
 

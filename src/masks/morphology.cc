@@ -25,10 +25,11 @@ std::int32_t lane_bits_for(std::int32_t width) {
   return 1 << std::min((std::max(width, 0) + 7) / 8 + 2, kLargest);
 }
 
+// Of an element of 1 to 24 columns.
 std::uint32_t row_pattern(const StructuringElement &element, std::int32_t row) {
   std::uint32_t pattern;
   std::memcpy(&pattern, element.rows + static_cast<std::ptrdiff_t>(row) * kRowBlock, 4);
-  return element.lane_bits == 32 ? pattern : pattern & ((1U << element.lane_bits) - 1);
+  return pattern & ((std::uint32_t{1} << element.width) - 1);
 }
 
 MorphologyPass make_pass(BitMask *dst, const BitMask &src, const StructuringElement &element) {

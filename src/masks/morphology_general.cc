@@ -5,6 +5,7 @@
 
 #include <bit>
 #include <memory>
+#include <span>
 
 #include "video/aligned_alloc.h"
 
@@ -53,32 +54,51 @@ struct Suppress {
   }
 };
 
-// As bits_from and join_shifted of the spans, for a count known at run time, 1 to 63.
+// As bits_from of the spans, for a count known at run time, 1 to 63. From AVX2 on, a count for each
+// lane is one instruction less than one count for all.
 template <class V>
 HWY_INLINE V bits_from_same(const Words<V> &words, int bits) {
+#if HWY_TARGET <= HWY_AVX2
+  const hn::DFromV<V> d;
+  return hn::Or(hn::Shr(words.here, hn::Set(d, static_cast<std::uint64_t>(bits))),
+                hn::Shl(words.next, hn::Set(d, static_cast<std::uint64_t>(64 - bits))));
+#else
   return hn::Or(hn::ShiftRightSame(words.here, bits), hn::ShiftLeftSame(words.next, 64 - bits));
+#endif
 }
 
 template <class Op, class Output>
 class GeneralSweep {
  public:
+  // `patterns` and `ring` have room for one vector for each pattern and ring row.
   GeneralSweep(const MorphologyPass &pass, const ElementPlan &plan, std::int32_t anchor_x,
                std::uint8_t *patterns, std::uint8_t *ring, std::size_t ring_rows)
       : pass_(pass),
-        plan_(plan),
+        highest_level_(plan.highest_level),
+        terms_(plan.terms),
+        term_indices_(plan.term_indices.data()),
+        patterns_(plan.patterns),
+        rows_(plan.rows),
         lead_(8 * pass.lane_bytes - anchor_x),
-        patterns_(patterns),
+        pattern_bits_(patterns),
         ring_(ring),
         ring_mask_(ring_rows - 1) {}
 
   template <template <class> class Span, class D>
   HWY_INLINE void operator()(const Span<D> &span, std::ptrdiff_t at) const {
+    const GeneralSweep sweep = *this;  // the compiler would reload it after every store
+    sweep.SweepDown(span, at);
+  }
+
+ private:
+  template <template <class> class Span, class D>
+  HWY_INLINE void SweepDown(const Span<D> &span, std::ptrdiff_t at) const {
     const D d;
     const auto zero = hn::Zero(d);
     const std::uint8_t *src = pass_.src + at - pass_.lane_bytes;
     std::uint8_t *dst = pass_.dst + at;
-    const std::ptrdiff_t lag = plan_.rows.back().offset;
-    for (std::ptrdiff_t y = plan_.rows.front().offset; y < pass_.height + lag; ++y) {
+    const std::ptrdiff_t lag = rows_.back().offset;
+    for (std::ptrdiff_t y = rows_.front().offset; y < pass_.height + lag; ++y) {
       Words<hn::Vec<D>> source{zero, zero};
       if (y >= 0 && y < pass_.height) source = span.Load(src + y * pass_.src_stride);
       JoinPatterns(d, source);
@@ -87,7 +107,6 @@ class GeneralSweep {
     }
   }
 
- private:
   template <class D>
   static HWY_INLINE std::uint64_t *Slot(D d, std::uint8_t *base, std::size_t index) {
     return reinterpret_cast<std::uint64_t *>(base) + index * hn::Lanes(d);
@@ -98,34 +117,39 @@ class GeneralSweep {
   HWY_INLINE void JoinPatterns(D d, const Words<V> &source) const {
     Words<V> levels[kMaxLevel + 1];
     levels[0] = source;
-    if (plan_.highest_level > 0) levels[1] = join_shifted<Op, 1>(levels[0]);
-    if (plan_.highest_level > 1) levels[2] = join_shifted<Op, 2>(levels[1]);
-    if (plan_.highest_level > 2) levels[3] = join_shifted<Op, 4>(levels[2]);
-    if (plan_.highest_level > 3) levels[4] = join_shifted<Op, 8>(levels[3]);
+    if (highest_level_ > 0) levels[1] = join_shifted<Op, 1>(levels[0]);
+    if (highest_level_ > 1) levels[2] = join_shifted<Op, 2>(levels[1]);
+    if (highest_level_ > 2) levels[3] = join_shifted<Op, 4>(levels[2]);
+    if (highest_level_ > 3) levels[4] = join_shifted<Op, 8>(levels[3]);
     V terms[kMaxTerms];
-    for (std::size_t i = 0; i < plan_.terms.size(); ++i) {
-      const RunTerm &term = plan_.terms[i];
-      terms[i] = bits_from_same(levels[term.level], lead_ + term.shift);
+    for (std::size_t i = 0; i < terms_.size(); ++i) {
+      terms[i] = bits_from_same(levels[terms_[i].level], lead_ + terms_[i].shift);
     }
-    for (std::size_t i = 0; i < plan_.patterns.size(); ++i) {
-      const std::size_t *index = plan_.term_indices.data() + plan_.patterns[i].first;
-      V joined = terms[index[0]];
-      for (std::size_t j = 1; j < plan_.patterns[i].count; ++j) {
-        joined = Op::Join(joined, terms[index[j]]);
+    for (std::size_t i = 0; i < patterns_.size(); ++i) {
+      const std::size_t *index = term_indices_ + patterns_[i].first;
+      V joined = JoinGroup(terms, index);
+      for (std::size_t j = kTermGroup; j < patterns_[i].count; j += kTermGroup) {
+        joined = Op::Join(joined, JoinGroup(terms, index + j));
       }
-      hn::Store(joined, d, Slot(d, patterns_, i));
+      hn::Store(joined, d, Slot(d, pattern_bits_, i));
     }
+  }
+
+  template <class V>
+  static HWY_INLINE V JoinGroup(const V *terms, const std::size_t *index) {
+    static_assert(kTermGroup == 4);
+    return Op::Join(Op::Join(terms[index[0]], terms[index[1]]),
+                    Op::Join(terms[index[2]], terms[index[3]]));
   }
 
   // Joins source row y to the output rows in the ring; returns the one that it finishes.
   template <class D>
   HWY_INLINE hn::Vec<D> JoinRows(D d, std::ptrdiff_t y) const {
-    auto joined = hn::Load(d, Slot(d, patterns_, plan_.rows[0].pattern));
-    hn::Store(joined, d, RingSlot(d, y - plan_.rows[0].offset));
-    for (std::size_t i = 1; i < plan_.rows.size(); ++i) {
-      std::uint64_t *slot = RingSlot(d, y - plan_.rows[i].offset);
-      const auto pattern = hn::Load(d, Slot(d, patterns_, plan_.rows[i].pattern));
-      joined = Op::Join(hn::Load(d, slot), pattern);
+    auto joined = hn::Load(d, Slot(d, pattern_bits_, rows_[0].pattern));
+    hn::Store(joined, d, RingSlot(d, y - rows_[0].offset));
+    for (std::size_t i = 1; i < rows_.size(); ++i) {
+      std::uint64_t *slot = RingSlot(d, y - rows_[i].offset);
+      joined = Op::Join(hn::Load(d, slot), hn::Load(d, Slot(d, pattern_bits_, rows_[i].pattern)));
       hn::Store(joined, d, slot);
     }
     return joined;
@@ -136,10 +160,14 @@ class GeneralSweep {
     return Slot(d, ring_, static_cast<std::size_t>(y) & ring_mask_);
   }
 
-  const MorphologyPass &pass_;
-  const ElementPlan &plan_;
+  MorphologyPass pass_;
+  std::int32_t highest_level_;
+  std::span<const RunTerm> terms_;
+  const std::size_t *term_indices_;
+  std::span<const RowPattern> patterns_;
+  std::span<const ElementRow> rows_;
   std::int32_t lead_;
-  std::uint8_t *patterns_;  // one vector for each pattern
+  std::uint8_t *pattern_bits_;
   std::uint8_t *ring_;
   std::size_t ring_mask_;
 };

@@ -21,7 +21,8 @@ std::size_t term_index(ElementPlan *plan, RunTerm wanted) {
 // A run is the longest power of two that fits, at its beginning and, when that is shorter, at its
 // end.
 void add_run(ElementPlan *plan, std::int32_t first, std::int32_t length) {
-  const std::int32_t level = std::bit_width(static_cast<std::uint32_t>(length)) - 1;
+  const std::int32_t level =
+      static_cast<std::int32_t>(std::bit_width(static_cast<std::uint32_t>(length))) - 1;
   const std::int32_t rest = length - (1 << level);
   plan->term_indices.push_back(term_index(plan, {level, first}));
   if (rest != 0) plan->term_indices.push_back(term_index(plan, {level, first + rest}));
@@ -34,6 +35,9 @@ RowPattern add_pattern(ElementPlan *plan, std::uint32_t row) {
     const int length = std::countr_one(row >> start);
     add_run(plan, start, length);
     row &= ~(((std::uint32_t{1} << length) - 1) << start);
+  }
+  while ((plan->term_indices.size() - first) % kTermGroup != 0) {
+    plan->term_indices.push_back(plan->term_indices.back());
   }
   return {first, plan->term_indices.size() - first};
 }

@@ -21,7 +21,10 @@ struct RunTerm {
   std::int32_t shift;
 };
 
-// Different rows of the element, each a list of terms: count indices from `first` on.
+// Different rows of the element, each a list of terms: count indices from `first` on. The count is
+// a multiple of kTermGroup, filled up with the last term: joining a term twice changes nothing, and
+// the kernel's loop has fewer turns that are hard to foretell.
+inline constexpr std::size_t kTermGroup = 4;
 struct RowPattern {
   std::size_t first;
   std::size_t count;

@@ -5,6 +5,7 @@
 // all the output rows that it lies under, and finishes one of them.
 #include "masks/morphology_shapes.h"
 
+#include <algorithm>
 #include <bit>
 
 #undef HWY_DISABLED_TARGETS
@@ -27,7 +28,8 @@ constexpr int kShortRun = 3;
 
 constexpr int run_level(std::uint32_t row) {
   const int length = std::popcount(row);
-  return length <= kShortRun ? 0 : std::bit_width(static_cast<unsigned>(length)) - 1;
+  if (length <= kShortRun) return 0;
+  return static_cast<int>(std::bit_width(static_cast<unsigned>(length))) - 1;
 }
 
 template <const auto &kShape>
@@ -133,55 +135,89 @@ class ShapeSweep {
   V partial_[kHeight - 1];  // [r]: joined with shape rows 0 to r so far
 };
 
+// Rows first to end - 1 of the mask.
+struct Band {
+  std::ptrdiff_t first;
+  std::ptrdiff_t end;
+};
+
 template <class Op, const auto &kShape>
-class SpanSweep {
+class BandSweep {
  public:
-  explicit SpanSweep(const MorphologyPass &pass) : pass_(pass) {}
+  static constexpr auto kHeight = static_cast<std::ptrdiff_t>(kShape.rows.size());
+
+  BandSweep(const MorphologyPass &pass, Band band) : pass_(pass), band_(band) {}
 
   template <template <class> class Span, class D>
   HWY_INLINE void operator()(const Span<D> &span, std::ptrdiff_t at) const {
-    using V = hn::Vec<D>;
-    constexpr auto kHeight = static_cast<std::ptrdiff_t>(kShape.rows.size());
-    // Rows of the shape below its anchor: an output row is finished this much later.
+    // Rows of the shape below its anchor: an output row is finished by the source row this much
+    // further down.
     constexpr std::ptrdiff_t kLag = kHeight - 1 - kHeight / 2;
+    using V = hn::Vec<D>;
     const V zero = hn::Zero(D());
     ShapeSweep<Op, kShape, V> sweep(zero);
-    const std::uint8_t *src = pass_.src + at - pass_.lane_bytes;
-    std::uint8_t *dst = pass_.dst + at - kLag * pass_.dst_stride;
-    for (std::ptrdiff_t y = 0; y < pass_.height + kLag; ++y) {
+    const std::ptrdiff_t above = std::max(band_.first - kHeight / 2, std::ptrdiff_t{0});
+    const MorphologyPass pass = pass_;  // the compiler would reload it after every store
+    const Band band = band_;
+    const std::uint8_t *src = pass.src + above * pass.src_stride + at - pass.lane_bytes;
+    std::uint8_t *dst = pass.dst + band.first * pass.dst_stride + at;
+    for (std::ptrdiff_t y = above - kLag; y < band.end; ++y) {
       Words<V> source{zero, zero};
-      if (y < pass_.height) source = span.Load(src + y * pass_.src_stride);
+      if (y < pass.height - kLag) {
+        source = span.Load(src);
+        src += pass.src_stride;
+      }
       const V finished = sweep.Next(source);
-      if (y >= kLag) span.Store(finished, dst + y * pass_.dst_stride);
+      if (y < band.first) continue;
+      span.Store(finished, dst);
+      dst += pass.dst_stride;
     }
   }
 
  private:
   const MorphologyPass &pass_;
+  Band band_;
 };
 
+// Sweeps down one vector wide would bring each cache line of a large mask in twice, and from far.
+// So a band of rows that stays in the first-level cache is finished in all its spans before the
+// next, at the price of a few rows in front of it; tall shapes take taller bands, they compute
+// longer than they wait.
+template <class Op, const auto &kShape>
+HWY_INLINE void sweep_shape(const MorphologyPass &pass) {
+  constexpr std::ptrdiff_t kBandBytes = 24 << 10;
+  constexpr std::ptrdiff_t kHeights = 16;
+  using Sweep = BandSweep<Op, kShape>;
+  const std::ptrdiff_t rows =
+      std::max(kBandBytes / (pass.src_stride + pass.dst_stride), kHeights * Sweep::kHeight);
+  for (std::ptrdiff_t first = 0; first < pass.height; first += rows) {
+    const std::ptrdiff_t end = std::min<std::ptrdiff_t>(first + rows, pass.height);
+    for_each_span_of_row(pass.bytes, Sweep(pass, {first, end}));
+  }
+}
+
 void ErodeBox3(const MorphologyPass &pass) {
-  for_each_span_of_row(pass.bytes, SpanSweep<Erode, kBox3>(pass));
+  sweep_shape<Erode, kBox3>(pass);
 }
 
 void DilateBox3(const MorphologyPass &pass) {
-  for_each_span_of_row(pass.bytes, SpanSweep<Dilate, kBox3>(pass));
+  sweep_shape<Dilate, kBox3>(pass);
 }
 
 void ErodeCross3(const MorphologyPass &pass) {
-  for_each_span_of_row(pass.bytes, SpanSweep<Erode, kCross3>(pass));
+  sweep_shape<Erode, kCross3>(pass);
 }
 
 void DilateCross3(const MorphologyPass &pass) {
-  for_each_span_of_row(pass.bytes, SpanSweep<Dilate, kCross3>(pass));
+  sweep_shape<Dilate, kCross3>(pass);
 }
 
 void ErodeDisc15(const MorphologyPass &pass) {
-  for_each_span_of_row(pass.bytes, SpanSweep<Erode, kDisc15>(pass));
+  sweep_shape<Erode, kDisc15>(pass);
 }
 
 void DilateDisc15(const MorphologyPass &pass) {
-  for_each_span_of_row(pass.bytes, SpanSweep<Dilate, kDisc15>(pass));
+  sweep_shape<Dilate, kDisc15>(pass);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The module's descriptor and its elements.
 #include <gst/gst.h>
 
+#include "noxvisuals/noxpentracker.h"
 #include "noxvisuals/noxqrdec.h"
 
 namespace {
@@ -12,6 +13,7 @@ struct Element {
 
 // In the order of their registration.
 constexpr Element kElements[] = {
+    {"noxpentracker", nox_pen_tracker_get_type},
     {"noxqrdec", nox_qr_dec_get_type},
 };
 

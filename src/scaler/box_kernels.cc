@@ -7,7 +7,6 @@
 #define HWY_TARGET_INCLUDE "scaler/box_kernels.cc"
 #include <hwy/foreach_target.h>  // IWYU pragma: keep
 
-#include <hwy/cache_control.h>
 #include <hwy/highway.h>
 
 #include "scaler/dot_ops-inl.h"
@@ -24,19 +23,16 @@ using Widest = hn::ScalableTag<std::uint8_t>;
 struct Rows {
   const std::uint8_t *first;
   std::ptrdiff_t stride;
-  std::ptrdiff_t ahead;
 
-  // A vector of samples of row y from column x, with the prefetch that goes with it.
+  // A vector of samples of row y from column x.
   template <class D>
   HWY_INLINE auto load(D d, std::size_t y, std::size_t x) const {
-    const std::uint8_t *from = first + static_cast<std::ptrdiff_t>(y) * stride + x;
-    hwy::Prefetch(from + ahead);
-    return hn::LoadU(d, from);
+    return hn::LoadU(d, first + static_cast<std::ptrdiff_t>(y) * stride + x);
   }
 };
 
-void copy_row(const std::uint8_t *src, std::ptrdiff_t /*stride*/, std::ptrdiff_t /*ahead*/,
-              std::size_t out_width, std::uint8_t *out) {
+void copy_row(const std::uint8_t *src, std::ptrdiff_t /*stride*/, std::size_t out_width,
+              std::uint8_t *out) {
   std::memcpy(out, src, out_width);
 }
 
@@ -66,9 +62,9 @@ std::uint8_t average(unsigned a, unsigned b) {
   return static_cast<std::uint8_t>((a + b + 1) >> 1);
 }
 
-void halve_row(const std::uint8_t *src, std::ptrdiff_t stride, std::ptrdiff_t ahead,
-               std::size_t out_width, std::uint8_t *out) {
-  const Rows rows = {src, stride, ahead};
+void halve_row(const std::uint8_t *src, std::ptrdiff_t stride, std::size_t out_width,
+               std::uint8_t *out) {
+  const Rows rows = {src, stride};
   std::size_t x = halve_span(Widest(), rows, 0, out_width, out);
   x = halve_span(Sixteen(), rows, x, out_width, out);
   const std::uint8_t *below = src + stride;
@@ -111,9 +107,9 @@ std::size_t quarter_span(D d, const Rows &rows, std::size_t x, std::size_t end, 
   return x;
 }
 
-void quarter_row(const std::uint8_t *src, std::ptrdiff_t stride, std::ptrdiff_t ahead,
-                 std::size_t out_width, std::uint8_t *out) {
-  const Rows rows = {src, stride, ahead};
+void quarter_row(const std::uint8_t *src, std::ptrdiff_t stride, std::size_t out_width,
+                 std::uint8_t *out) {
+  const Rows rows = {src, stride};
   std::size_t x = quarter_span(Widest(), rows, 0, out_width, out);
   x = quarter_span(Sixteen(), rows, x, out_width, out);
   reduce_row_by(4, src + 4 * x, stride, out_width - x, out + x);
@@ -143,9 +139,9 @@ std::size_t sums_span(D d, const Rows &rows, std::size_t end, std::uint8_t *out)
 }
 
 template <std::size_t kFactor>
-void reduce_row(const std::uint8_t *src, std::ptrdiff_t stride, std::ptrdiff_t ahead,
-                std::size_t out_width, std::uint8_t *out) {
-  const std::size_t x = sums_span<kFactor>(Widest(), {src, stride, ahead}, out_width, out);
+void reduce_row(const std::uint8_t *src, std::ptrdiff_t stride, std::size_t out_width,
+                std::uint8_t *out) {
+  const std::size_t x = sums_span<kFactor>(Widest(), {src, stride}, out_width, out);
   reduce_row_by(static_cast<std::int32_t>(kFactor), src + kFactor * x, stride, out_width - x,
                 out + x);
 }

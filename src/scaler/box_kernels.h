@@ -10,11 +10,9 @@ namespace nox::scaler {
 inline constexpr std::int32_t kMaxHalvings = 4;
 
 // Makes one row of `out_width` samples from the f rows at `src`, `stride` bytes apart: each is the
-// rounded mean of f by f samples. Reads f * out_width samples of each row and nothing else. While
-// it works it asks the cache for what lies `ahead` bytes behind everything it reads; 0 asks for
-// nothing new.
-using ReduceRow = void (*)(const std::uint8_t *src, std::ptrdiff_t stride, std::ptrdiff_t ahead,
-                           std::size_t out_width, std::uint8_t *out);
+// rounded mean of f by f samples. Reads f * out_width samples of each row and nothing else.
+using ReduceRow = void (*)(const std::uint8_t *src, std::ptrdiff_t stride, std::size_t out_width,
+                           std::uint8_t *out);
 
 // reduce_row[h] has the factor f = 1 << h. Factor 1 copies. Factor 2 averages twice, rounding up
 // each time: vertically and then horizontally, except in the out_width % 16 columns at the right

@@ -2,12 +2,14 @@
 
 #include "scaler/box_kernels.h"
 #include "scaler/frame_planes.h"
+#include "scaler/plane_prefetch.h"
 #include "scaler/scaler.h"
 
 namespace {
 
 using nox::scaler::BoxKernels;
 using nox::scaler::DestinationPlane;
+using nox::scaler::PlanePrefetch;
 using nox::scaler::ReduceRow;
 using nox::scaler::SourcePlane;
 
@@ -35,11 +37,12 @@ void reduce_plane(const BoxKernels &kernels, std::int32_t factor, const SourcePl
                   const DestinationPlane &dst) {
   const ReduceRow reduce_row = row_function(kernels, factor);
   const auto width = static_cast<std::size_t>(dst.size.width);
+  PlanePrefetch prefetch(src);
   for (std::int32_t y = 0; y < dst.size.height; ++y) {
+    prefetch.advance(factor);
     const std::uint8_t *from = src.row(y * factor);
     if (reduce_row != nullptr) {
-      const std::int32_t last_read = (y + 1) * factor - 1;
-      reduce_row(from, src.stride, src.ahead(last_read), width, dst.row(y));
+      reduce_row(from, src.stride, width, dst.row(y));
     } else {
       nox::scaler::reduce_row_by(factor, from, src.stride, width, dst.row(y));
     }

@@ -24,33 +24,39 @@ namespace {
 using Bytes = hn::FixedTag<std::uint8_t, 64>;
 constexpr FetchShape kShape = {16, 64};
 
-HWY_INLINE hn::Vec<Bytes> fetch(Bytes d, const std::uint8_t *row, const ColumnQuad &quad,
-                                std::size_t x) {
-  const auto window = hn::LoadU(d, row + quad.windows[x / kShape.group_outputs]);
-  const auto picks = hn::LoadU(d, quad.picks.data() + x * kTapsPerQuad);
-  return hn::Vec<Bytes>{_mm512_permutexvar_epi8(picks.raw, window.raw)};
+HWY_INLINE hn::Vec<Bytes> load_windows(const std::uint8_t *row, const std::int32_t *windows) {
+  return hn::LoadU(Bytes(), row + windows[0]);
+}
+
+HWY_INLINE hn::Vec<Bytes> pick_samples(hn::Vec<Bytes> samples, hn::Vec<Bytes> picks) {
+  return hn::Vec<Bytes>{_mm512_permutexvar_epi8(picks.raw, samples.raw)};
 }
 
 #else
 
-#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX2
-using Bytes = hn::FixedTag<std::uint8_t, 32>;
-#else
-using Bytes = hn::FixedTag<std::uint8_t, 16>;
-#endif
 constexpr FetchShape kShape = {4, 16};
+using Block = hn::FixedTag<std::uint8_t, 16>;
 
-HWY_INLINE hn::Vec<Bytes> fetch(Bytes d, const std::uint8_t *row, const ColumnQuad &quad,
-                                std::size_t x) {
-  const hn::FixedTag<std::uint8_t, 16> block;
-  const std::int32_t *windows = quad.windows.data() + x / kShape.group_outputs;
-  const auto picks = hn::LoadU(d, quad.picks.data() + x * kTapsPerQuad);
 #if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX2
-  const auto samples =
-      hn::Combine(d, hn::LoadU(block, row + windows[1]), hn::LoadU(block, row + windows[0]));
+
+using Bytes = hn::FixedTag<std::uint8_t, 32>;
+
+HWY_INLINE hn::Vec<Bytes> load_windows(const std::uint8_t *row, const std::int32_t *windows) {
+  return hn::Combine(Bytes(), hn::LoadU(Block(), row + windows[1]),
+                     hn::LoadU(Block(), row + windows[0]));
+}
+
 #else
-  const auto samples = hn::LoadU(block, row + windows[0]);
+
+using Bytes = Block;
+
+HWY_INLINE hn::Vec<Bytes> load_windows(const std::uint8_t *row, const std::int32_t *windows) {
+  return hn::LoadU(Bytes(), row + windows[0]);
+}
+
 #endif
+
+HWY_INLINE hn::Vec<Bytes> pick_samples(hn::Vec<Bytes> samples, hn::Vec<Bytes> picks) {
   return hn::TableLookupBytes(samples, picks);
 }
 
@@ -63,11 +69,13 @@ HWY_INLINE auto filter_columns(const ColumnPlan &plan, const std::uint8_t *row, 
   const hn::RebindToSigned<Bytes> weight_tag;
   const hn::Repartition<std::int16_t, Bytes> d16;
   const hn::Repartition<std::int32_t, Bytes> d32;
+  const auto samples = load_windows(row, plan.windows.data() + x / kShape.group_outputs);
   auto pairs = hn::Zero(d16);
   for (std::size_t q = 0; q < kQuads; ++q) {
-    const ColumnQuad &quad = plan.quads[q];
-    const auto weights = hn::LoadU(weight_tag, quad.weights.data() + x * kTapsPerQuad);
-    pairs = hn::Add(pairs, dot_byte_pairs(fetch(d, row, quad, x), weights));
+    const std::size_t at = x * kTapsPerQuad;
+    const auto picks = hn::Load(d, plan.quads[q].picks.get() + at);
+    const auto weights = hn::BitCast(weight_tag, hn::Load(d, plan.quads[q].weights.get() + at));
+    pairs = hn::Add(pairs, dot_byte_pairs(pick_samples(samples, picks), weights));
   }
   const auto sums = add_dot_word_pairs(hn::Zero(d32), pairs, hn::Set(d16, 1));
   // The sums of 8 taps stay far below, and those of 4 exceed 16 bits upwards only.
@@ -84,29 +92,40 @@ void filter_rows(const ColumnPlan &plan, const std::uint8_t *upper, const std::u
     const auto high = filter_columns<kQuads>(plan, lower, x);
     const auto words =
         hn::OddEven(hn::BitCast(d16, hn::ShiftLeft<16>(high)), hn::BitCast(d16, low));
-    hn::StoreU(hn::BitCast(d32, words), d32, pairs + x);
+    hn::Store(hn::BitCast(d32, words), d32, pairs + x);
   }
+}
+
+using Sums = hn::CappedTag<std::int32_t, kMergeStep / 4>;
+
+// One vector of output samples, in whole samples but not clamped.
+template <int kCount, int kShift>
+HWY_INLINE hn::Vec<Sums> merge_columns(const RowStep &step, const std::int32_t *const *pairs,
+                                       std::size_t x) {
+  const Sums d32;
+  const hn::Repartition<std::int16_t, Sums> d16;
+  auto sum = hn::Set(d32, 1 << (kShift - 1));
+  for (int i = 0; i < kCount; ++i) {
+    const auto weights = hn::BitCast(d16, hn::Set(d32, step.weights[i]));
+    sum = add_dot_word_pairs(sum, hn::BitCast(d16, hn::Load(d32, pairs[i] + x)), weights);
+  }
+  return hn::ShiftRight<kShift>(sum);
 }
 
 template <int kCount, int kShift>
 void merge(const RowStep &step, const std::int32_t *const *pairs, std::size_t width,
            std::uint8_t *out) {
-  const hn::CappedTag<std::int32_t, kColumnStep> d32;
-  const hn::Repartition<std::int16_t, decltype(d32)> d16;
-  const hn::Rebind<std::uint8_t, decltype(d32)> d8;
-  const std::size_t lanes = hn::Lanes(d32);
-  const auto half = hn::Set(d32, 1 << (kShift - 1));
-  for (std::size_t x = 0; x < width; x += lanes) {
-    auto sum = half;
-    for (int i = 0; i < kCount; ++i) {
-      const auto weights = hn::BitCast(d16, hn::Set(d32, step.weights[i]));
-      sum = add_dot_word_pairs(sum, hn::BitCast(d16, hn::LoadU(d32, pairs[i] + x)), weights);
-    }
-    const auto samples = hn::DemoteTo(d8, hn::ShiftRight<kShift>(sum));
-    if (x + lanes <= width) {
+  const hn::Repartition<std::uint8_t, Sums> d8;
+  const std::size_t lanes = hn::Lanes(Sums());
+  for (std::size_t x = 0; x < width; x += 4 * lanes) {
+    const auto samples = clamp_to_bytes(merge_columns<kCount, kShift>(step, pairs, x),
+                                        merge_columns<kCount, kShift>(step, pairs, x + lanes),
+                                        merge_columns<kCount, kShift>(step, pairs, x + 2 * lanes),
+                                        merge_columns<kCount, kShift>(step, pairs, x + 3 * lanes));
+    if (x + 4 * lanes <= width) {
       hn::StoreU(samples, d8, out + x);
     } else {
-      std::uint8_t rest[kColumnStep];
+      std::uint8_t rest[kMergeStep];
       hn::StoreU(samples, d8, rest);
       std::memcpy(out + x, rest, width - x);
     }

@@ -9,14 +9,16 @@
 
 namespace nox::scaler {
 
-// Filters two source rows along the row into plan.padded_count pairs. Reads only within the rows.
-// Sums of 4 taps are saturated to 16 bits; those of 8 taps always fit.
+inline constexpr std::size_t kMergeStep = 64;  // columns of the widest vectors of output samples
+
+// Filters two source rows along the row into plan.padded_count pairs, 64-byte aligned. Reads only
+// within the rows. Sums of 4 taps are saturated to 16 bits; those of 8 taps always fit.
 using FilterRows = void (*)(const ColumnPlan &plan, const std::uint8_t *upper,
                             const std::uint8_t *lower, std::int32_t *pairs);
 
 // Makes an output row of `width` samples from the rows of pairs that the step names, pairs[i] being
 // row step.first_pair + i: the weighted sum, rounded, in whole samples, clamped to 0 to 255. The
-// rows of pairs are read in multiples of kColumnStep.
+// rows of pairs, 64-byte aligned, are read in multiples of kMergeStep.
 using MergeRows = void (*)(const RowStep &step, const std::int32_t *const *pairs, std::size_t width,
                            std::uint8_t *out);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <utility>
 
 namespace nox::scaler {
 namespace {
@@ -46,31 +47,31 @@ bool fit_signed_bytes(Weighted &output, std::size_t taps) {
   });
 }
 
-// Where the window of a group starts: at its first sample, or as far left as keeps the window
-// within the row. Indices rise with the outputs, so the first and last outputs bound them.
-std::int32_t window_start(const std::vector<Weighted> &outputs, std::size_t first, std::size_t tap,
-                          std::int32_t last_start) {
-  return std::clamp(std::min(outputs[first].index[tap], outputs[first].index[tap + 1]), 0,
-                    last_start);
+// The windows of all groups: each starts at the first sample of its first output, or as far left as
+// keeps the window within the row.
+std::vector<std::int32_t> place_windows(const std::vector<Weighted> &outputs, std::size_t groups,
+                                        FetchShape shape, std::int32_t last_start) {
+  std::vector<std::int32_t> windows(groups);
+  for (std::size_t x = 0; x < outputs.size(); x += shape.group_outputs) {
+    const auto &index = outputs[x].index;
+    windows[x / shape.group_outputs] = std::min(std::min(index[0], index[1]), last_start);
+  }
+  return windows;
 }
 
-// Fills a quad; false when some tap lies outside its window.
-bool fill_quad(ColumnQuad &quad, const std::vector<Weighted> &outputs, std::size_t padded,
-               std::size_t first_tap, std::int32_t last_start, FetchShape shape) {
-  quad.windows.resize(padded / shape.group_outputs);
-  quad.picks.resize(padded * kTapsPerQuad);
-  quad.weights.resize(padded * kTapsPerQuad);
+// Fills the quad of the taps from first_tap on; false when some tap lies outside its window.
+bool fill_quad(ColumnQuad &quad, const ColumnPlan &plan, const std::vector<Weighted> &outputs,
+               std::size_t first_tap, FetchShape shape) {
+  quad.picks = make_aligned_bytes(kNoxAlignment, plan.padded_count * kTapsPerQuad);
+  quad.weights = make_aligned_bytes(kNoxAlignment, plan.padded_count * kTapsPerQuad);
   for (std::size_t x = 0; x < outputs.size(); ++x) {
-    const std::size_t group = x / shape.group_outputs;
-    if (x % shape.group_outputs == 0) {
-      quad.windows[group] = window_start(outputs, x, first_tap, last_start);
-    }
     for (std::size_t t = 0; t < kTapsPerQuad; ++t) {
-      const std::int32_t pick = outputs[x].index[first_tap + t] - quad.windows[group];
+      const std::int32_t index = outputs[x].index[first_tap + t];
+      const std::int32_t pick = index - plan.windows[x / shape.group_outputs];
       if (pick < 0 || pick >= static_cast<std::int32_t>(shape.window_bytes)) return false;
       quad.picks[x * kTapsPerQuad + t] = static_cast<std::uint8_t>(pick);
       quad.weights[x * kTapsPerQuad + t] =
-          static_cast<std::int8_t>(outputs[x].weight[first_tap + t]);
+          static_cast<std::uint8_t>(outputs[x].weight[first_tap + t]);
     }
   }
   return true;
@@ -92,9 +93,12 @@ std::optional<ColumnPlan> plan_columns(const FilterCoefficients &coefficients,
   ColumnPlan plan = {};
   plan.out_count = outputs.size();
   plan.padded_count = (plan.out_count + kColumnStep - 1) / kColumnStep * kColumnStep;
+  const std::size_t groups = plan.padded_count / shape.group_outputs;
+  plan.windows = place_windows(outputs, groups, shape, last_start);
   for (std::size_t tap = 0; tap < taps; tap += kTapsPerQuad) {
-    ColumnQuad &quad = plan.quads.emplace_back();
-    if (!fill_quad(quad, outputs, plan.padded_count, tap, last_start, shape)) return std::nullopt;
+    ColumnQuad quad = {};
+    if (!fill_quad(quad, plan, outputs, tap, shape)) return std::nullopt;
+    plan.quads.push_back(std::move(quad));
   }
   return plan;
 }

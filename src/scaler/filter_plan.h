@@ -12,6 +12,7 @@
 #include <optional>
 #include <vector>
 
+#include "scaler/aligned_bytes.h"
 #include "scaler/filter_coefficients.h"
 #include "scaler/filter_positions.h"
 
@@ -28,17 +29,18 @@ struct FetchShape {
   std::size_t window_bytes;
 };
 
-// One quad of taps of every output.
+// For each tap of each output, four taps to an output, its place in the window of the output's
+// group and its weight. Aligned to whole vectors; the padding weighs 0.
 struct ColumnQuad {
-  std::vector<std::int32_t> windows;  // for each group, the column where its window starts
-  std::vector<std::uint8_t> picks;    // for each tap of each output, its place in the window
-  std::vector<std::int8_t> weights;   // and its weight; 0 in the padding
+  AlignedBytes picks;
+  AlignedBytes weights;  // signed, in two's complement
 };
 
 struct ColumnPlan {
   std::size_t out_count;
-  std::size_t padded_count;       // out_count rounded up to kColumnStep
-  std::vector<ColumnQuad> quads;  // one for filters of 4 taps, two for 8
+  std::size_t padded_count;           // out_count rounded up to kColumnStep
+  std::vector<std::int32_t> windows;  // for each group, the column where its window starts
+  std::vector<ColumnQuad> quads;      // one for filters of 4 taps, two for 8
 };
 
 // One output row: pairs first_pair to first_pair + count - 1 with a packed pair of weights each.

@@ -37,8 +37,7 @@ void build(FilterRecord *record, const Scaler &scaler, const FilterChoice &choic
   record->half_stride =
       (static_cast<std::size_t>(in.width) + kHalfAlignment - 1) & ~(kHalfAlignment - 1);
   const std::size_t bytes = choice.halvings == 0 ? 0 : kReducedLines * record->half_stride;
-  record->half_buffer.reset(static_cast<std::uint8_t *>(nox_aligned_alloc(kHalfAlignment, bytes)));
-  if (record->half_buffer == nullptr) throw std::bad_alloc();
+  record->half_buffer = make_aligned_bytes(kHalfAlignment, bytes);
   const PositionTables &all = record->positions;
   record->full_filter = make_plane_filter(record->coefficients, all.columns, all.rows);
   record->half_filter = make_plane_filter(record->coefficients, all.half_columns, all.half_rows);
@@ -59,13 +58,14 @@ void filter_plane(FilterRecord *record, bool half, const SourcePlane &src,
   if (!holds(src, {columns.in_count, rows.in_count}, factor)) return;
   if (!holds(dst, {columns.out_count, rows.out_count})) return;
   const DestinationPlane to = {dst.data, dst.stride, {columns.out_count, rows.out_count}};
-  const ReducedRows reduced_rows = {
+  ReducedRows reduced_rows = {
       .plane = src,
       .reduce_row = record->row_kernel,
       .halvings = record->halvings,
       .width = static_cast<std::size_t>(columns.in_count),
       .lines = record->half_buffer.get(),
       .line_stride = record->half_stride,
+      .prefetch = PlanePrefetch(src),
   };
   std::optional<PlaneFilter> &filter = half ? record->half_filter : record->full_filter;
   if (filter) {

@@ -3,16 +3,15 @@
 #define SCALER_FILTER_RECORD_H_
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <vector>
 
+#include "scaler/aligned_bytes.h"
 #include "scaler/box_kernels.h"
 #include "scaler/filter_coefficients.h"
 #include "scaler/filter_positions.h"
 #include "scaler/plane_filter.h"
 #include "scaler/scaler.h"
-#include "video/aligned_alloc.h"
 
 namespace nox::scaler {
 
@@ -27,11 +26,6 @@ struct FilterChoice {
 // Input samples per output sample: the larger ratio of the two axes, or the smaller one as soon as
 // either axis is enlarged.
 double scale_factor(ScalerSize in, ScalerSize out);
-
-struct AlignedRelease {
-  void operator()(std::uint8_t *block) const { nox_aligned_free(block); }
-};
-using AlignedBytes = std::unique_ptr<std::uint8_t[], AlignedRelease>;
 
 struct FilterRecord {
   FilterCoefficients coefficients;

@@ -11,20 +11,12 @@
 
 namespace nox::scaler {
 
-// How many rows ahead of the one being read the cache is asked for: far enough for memory to answer
-// in time, near enough that the lines are still there when their turn comes.
-inline constexpr std::int32_t kRowsAhead = 8;
-
 struct SourcePlane {
   const std::uint8_t *data;
   std::ptrdiff_t stride;
   ScalerSize size;
 
   const std::uint8_t *row(std::int32_t y) const { return data + y * stride; }
-  // From a row to the one that the cache should fetch meanwhile, in bytes; within the plane.
-  std::ptrdiff_t ahead(std::int32_t y) const {
-    return std::min(kRowsAhead, size.height - 1 - y) * stride;
-  }
 };
 
 struct DestinationPlane {

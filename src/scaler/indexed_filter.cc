@@ -53,7 +53,7 @@ std::size_t indexed_filter_words(std::int32_t out_width) {
 }
 
 void indexed_filter(const FilterCoefficients &coefficients, const AxisPositions &columns,
-                    const AxisPositions &rows, const ReducedRows &src, const DestinationPlane &dst,
+                    const AxisPositions &rows, ReducedRows &src, const DestinationPlane &dst,
                     std::int32_t *scratch) {
   const auto width = static_cast<std::size_t>(columns.out_count);
   std::int32_t *sums = scratch;

@@ -18,7 +18,7 @@ std::size_t indexed_filter_words(std::int32_t out_width);
 
 // Fills dst from src, one output sample for each pair of a column and a row.
 void indexed_filter(const FilterCoefficients &coefficients, const AxisPositions &columns,
-                    const AxisPositions &rows, const ReducedRows &src, const DestinationPlane &dst,
+                    const AxisPositions &rows, ReducedRows &src, const DestinationPlane &dst,
                     std::int32_t *scratch);
 
 }  // namespace nox::scaler

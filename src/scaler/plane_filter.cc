@@ -24,16 +24,20 @@ std::optional<PlaneFilter> make_plane_filter(const FilterCoefficients &coefficie
       .columns = std::move(*column_plan),
       .rows = std::move(*row_plan),
       .last_row = rows.in_count - 1,
+      .pair_stride = 0,
       .pairs = {},
   };
-  filter.pairs.resize(kSlots * filter.columns.padded_count);
+  const std::size_t steps = (filter.columns.out_count + kMergeStep - 1) / kMergeStep;
+  filter.pair_stride = steps * kMergeStep;
+  filter.pairs =
+      make_aligned_bytes(kNoxAlignment, kSlots * filter.pair_stride * sizeof(std::int32_t));
   return filter;
 }
 
-void run_plane_filter(PlaneFilter &filter, const ReducedRows &src, const DestinationPlane &dst) {
+void run_plane_filter(PlaneFilter &filter, ReducedRows &src, const DestinationPlane &dst) {
   const auto slot = [&filter](std::int32_t pair) {
-    return filter.pairs.data() +
-           static_cast<std::size_t>(pair % kSlots) * filter.columns.padded_count;
+    return reinterpret_cast<std::int32_t *>(filter.pairs.get()) +
+           static_cast<std::size_t>(pair % kSlots) * filter.pair_stride;
   };
   // Output rows go down the picture, so the pairs that are there are always the latest ones.
   std::int32_t next_pair = 0;

@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "scaler/aligned_bytes.h"
 #include "scaler/filter_coefficients.h"
 #include "scaler/filter_kernels.h"
 #include "scaler/filter_plan.h"
@@ -21,8 +22,9 @@ struct PlaneFilter {
   MergeRows merge_rows;
   ColumnPlan columns;
   std::vector<RowStep> rows;
-  std::int32_t last_row;            // of the picture that is filtered
-  std::vector<std::int32_t> pairs;  // the rows of pairs still wanted
+  std::int32_t last_row;    // of the picture that is filtered
+  std::size_t pair_stride;  // columns from one row of pairs to the next
+  AlignedBytes pairs;       // the rows of pairs still wanted, 4 bytes to a column
 };
 
 // Nothing where the vector filters cannot serve these positions.
@@ -31,7 +33,7 @@ std::optional<PlaneFilter> make_plane_filter(const FilterCoefficients &coefficie
                                              const AxisPositions &rows);
 
 // Fills dst from src, one output sample for each pair of a column and a row.
-void run_plane_filter(PlaneFilter &filter, const ReducedRows &src, const DestinationPlane &dst);
+void run_plane_filter(PlaneFilter &filter, ReducedRows &src, const DestinationPlane &dst);
 
 }  // namespace nox::scaler
 

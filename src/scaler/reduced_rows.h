@@ -8,6 +8,7 @@
 
 #include "scaler/box_kernels.h"
 #include "scaler/frame_planes.h"
+#include "scaler/plane_prefetch.h"
 
 namespace nox::scaler {
 
@@ -20,13 +21,14 @@ struct ReducedRows {
   std::size_t width;    // samples of a reduced row
   std::uint8_t *lines;  // kReducedLines rows
   std::size_t line_stride;
+  PlanePrefetch prefetch;
 
   // Row y of the reduced picture, held in `line` until that line's next use.
-  const std::uint8_t *row(std::int32_t y, std::int32_t line) const {
+  const std::uint8_t *row(std::int32_t y, std::int32_t line) {
+    prefetch.advance(1 << halvings);
     if (halvings == 0) return plane.row(y);
     std::uint8_t *out = lines + static_cast<std::size_t>(line) * line_stride;
-    const std::int32_t last_read = ((y + 1) << halvings) - 1;
-    reduce_row(plane.row(y << halvings), plane.stride, plane.ahead(last_read), width, out);
+    reduce_row(plane.row(y << halvings), plane.stride, width, out);
     return out;
   }
 };

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "masks/mask_maker.h"
@@ -38,6 +39,16 @@ TEST(BitMaskTest, NewMaskIsAlignedAndClear) {
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(mask.get()) % kNoxAlignment, 0U);
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(mask->block) % kNoxAlignment, 0U);
   EXPECT_EQ(block_bytes(*mask), std::vector<std::uint8_t>(static_cast<std::size_t>(mask->size)));
+}
+
+TEST(BitMaskTest, SizesBelowOneHoldNoPixels) {
+  const std::uint8_t sample = 255;
+  for (const auto &[width, height] : {std::pair{0, 0}, {0, 3}, {3, 0}, {-1, 5}, {5, -1}}) {
+    const MaskPtr mask = make_mask(width, height);
+    bitmask_threshold(mask.get(), &sample, 0, 0);
+    bitmask_or(mask.get(), mask.get(), mask.get());
+    for (int i = 0; i < mask->size; ++i) EXPECT_EQ(mask->block[i], 0) << width << "x" << height;
+  }
 }
 
 TEST(BitMaskTest, FreeOfNullDoesNothing) {

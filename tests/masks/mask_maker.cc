@@ -17,9 +17,9 @@ std::uint8_t fill_byte(Fill fill, Random *random) {
     case Fill::kFull:
       return 0xFF;
     case Fill::kSparse:
-      return random->chance(0.05) ? static_cast<std::uint8_t>(1 << (any % 8)) : 0;
+      return static_cast<std::uint8_t>(random->chance(0.05) ? 1 << (any % 8) : 0);
     case Fill::kDense:
-      return random->chance(0.05) ? static_cast<std::uint8_t>(~(1 << (any % 8))) : 0xFF;
+      return static_cast<std::uint8_t>(random->chance(0.05) ? ~(1 << (any % 8)) : 0xFF);
     case Fill::kRandom:
       return any;
   }

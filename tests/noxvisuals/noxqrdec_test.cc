@@ -12,6 +12,7 @@
 #include "noxvisuals/qr_picture.h"
 #include "support/harness.h"
 #include "support/log_capture.h"
+#include "support/pipeline.h"
 #include "support/quick.h"
 #include "support/random.h"
 #include "support/video_buffer.h"
@@ -230,7 +231,7 @@ TEST(NoxQrDecDeathTest, StreamGoesOnWhenMemoryRunsOut) {
     GstBuffer *buffer = gst_buffer_new_allocate(nullptr, GST_VIDEO_INFO_SIZE(&dec.info()), nullptr);
     const rlimit limit{16 << 20, 16 << 20};
     setrlimit(RLIMIT_AS, &limit);  // less than what is mapped already: no large block can be had
-    if (std::malloc(8192 * 8192) != nullptr) std::exit(2);
+    if (std::malloc(std::size_t{8192} * 8192) != nullptr) std::exit(2);
     const BufferPtr out = dec.push(buffer);
     std::exit(out != nullptr ? 0 : 1);
   };
@@ -267,30 +268,6 @@ TEST(NoxQrDec, SurvivesDisposeTwice) {
   gst_object_ref_sink(element);
   g_object_run_dispose(G_OBJECT(element));
   gst_object_unref(element);
-}
-
-// Runs a pipeline to its end; returns the error's text, or "" when all went well.
-std::string run_pipeline(const std::string &description) {
-  GError *error = nullptr;
-  const ObjectPtr<GstElement> pipeline(gst_parse_launch(description.c_str(), &error));
-  if (error != nullptr) {
-    std::string text = error->message;
-    g_error_free(error);
-    return text;
-  }
-  gst_element_set_state(pipeline.get(), GST_STATE_PLAYING);
-  const ObjectPtr<GstBus> bus(gst_element_get_bus(pipeline.get()));
-  GstMessage *message = gst_bus_timed_pop_filtered(
-      bus.get(), 60 * GST_SECOND, static_cast<GstMessageType>(GST_MESSAGE_EOS | GST_MESSAGE_ERROR));
-  std::string text = message == nullptr ? "timed out" : "";
-  if (message != nullptr && GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR) {
-    gst_message_parse_error(message, &error, nullptr);
-    text = error->message;
-    g_error_free(error);
-  }
-  if (message != nullptr) gst_message_unref(message);
-  gst_element_set_state(pipeline.get(), GST_STATE_NULL);
-  return text;
 }
 
 TEST(NoxQrDec, RunsInAPipelineWithConverters) {

@@ -88,7 +88,13 @@ struct ElementRow {
   const char *caps;
 };
 
+constexpr const char *kPlanarCaps =
+    "video/x-raw, format = (string) {I420, A420}, width = (int) [ 1, max ], "
+    "height = (int) [ 1, max ], framerate = (fraction) [ 0, max ]";
+
 constexpr ElementRow kElements[] = {
+    {"noxpentracker", "NoxPenTracker", "GstElement", "Video pen tracker", "Filter/Tracker/Video",
+     kPlanarCaps},
     {"noxqrdec", "NoxQRDec", "GstVideoFilter", "QR Code Detector", "Filter/Trackerer/Video",
      "video/x-raw, format = (string) I420, width = (int) [ 1, max ], height = (int) [ 1, max ], "
      "framerate = (fraction) [ 0, max ]"},

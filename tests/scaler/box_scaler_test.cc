@@ -40,7 +40,7 @@ TEST_P(BoxKernels, EveryWidthMatchesThePlainMeans) {
       from.add(src, width % 7);
       GuardedFrame to;
       to.add(width, 1, 0);
-      reduce_row(from.record().planes[0], from.record().strides[0], 0,
+      reduce_row(from.record().planes[0], from.record().strides[0],
                  static_cast<std::size_t>(width), to.record().planes[0]);
       to.expect(0, nox::test::box_plain(src, factor, width, 1));
     }
@@ -53,7 +53,7 @@ TEST_P(BoxKernels, LargestSumsDoNotOverflow) {
     src.fill(255);
     GuardedPlane dst(64, 1, 64);
     dst.fill(0);
-    nox::scaler::box_kernels().reduce_row[h](src.data(), src.stride(), 0, 64, dst.data());
+    nox::scaler::box_kernels().reduce_row[h](src.data(), src.stride(), 64, dst.data());
     for (int x = 0; x < 64; ++x) ASSERT_EQ(int{dst.data()[x]}, 255) << "halvings " << h;
   }
 }

@@ -37,6 +37,15 @@ float overlap(int i, float low, float high) {
   return std::clamp(std::min(high, start + 1.0F) - std::max(low, start), 0.0F, 1.0F);
 }
 
+float distance_to_segment(Point point, Point from, Point to) {
+  const Point along{to.x - from.x, to.y - from.y};
+  const Point offset{point.x - from.x, point.y - from.y};
+  const float length = along.x * along.x + along.y * along.y;
+  const float dot = offset.x * along.x + offset.y * along.y;
+  const float t = length > 0.0F ? std::clamp(dot / length, 0.0F, 1.0F) : 0.0F;
+  return std::hypot(offset.x - t * along.x, offset.y - t * along.y);
+}
+
 std::vector<float> gaussian_weights(float sigma) {
   const int radius = std::max(1, static_cast<int>(std::ceil(3.0F * sigma)));
   std::vector<float> weights;
@@ -96,11 +105,22 @@ void Canvas::rectangle(Point top_left, Point bottom_right, Color color) {
 }
 
 void Canvas::disc(Point centre, float radius, Color color, float softness) {
+  stroke(centre, centre, radius, color, softness);
+}
+
+void Canvas::line(Point from, Point to, float radius, Color color) {
+  stroke(from, to, radius, color, 1.0F);
+}
+
+// All pixels by their distance from the segment.
+void Canvas::stroke(Point from, Point to, float radius, Color color, float softness) {
   const float reach = radius + softness;
-  for (int y = static_cast<int>(centre.y - reach); y <= static_cast<int>(centre.y + reach); ++y) {
-    for (int x = static_cast<int>(centre.x - reach); x <= static_cast<int>(centre.x + reach); ++x) {
-      const float distance = std::hypot(static_cast<float>(x) + 0.5F - centre.x,
-                                        static_cast<float>(y) + 0.5F - centre.y);
+  const auto [left, right] = std::minmax(from.x, to.x);
+  const auto [top, bottom] = std::minmax(from.y, to.y);
+  for (int y = static_cast<int>(top - reach); y <= static_cast<int>(bottom + reach); ++y) {
+    for (int x = static_cast<int>(left - reach); x <= static_cast<int>(right + reach); ++x) {
+      const Point pixel{static_cast<float>(x) + 0.5F, static_cast<float>(y) + 0.5F};
+      const float distance = distance_to_segment(pixel, from, to);
       mix(x, y, color, std::clamp((radius - distance) / softness + 0.5F, 0.0F, 1.0F));
     }
   }
@@ -153,7 +173,7 @@ void Canvas::write(NoxVideoFrame *frame) const {
 void Canvas::write_luma(NoxVideoFrame *frame) const {
   for (int y = 0; y < height_; ++y) {
     std::uint8_t *row = frame->planes[0] + static_cast<std::ptrdiff_t>(y) * frame->strides[0];
-    for (int x = 0; x < width_; ++x) row[x] = to_sample(luma(at(x, y)));
+    for (int x = 0; x < width_; ++x) row[x] = to_sample(luma(pixel(x, y)));
   }
 }
 
@@ -173,7 +193,7 @@ void Canvas::write_chroma(NoxVideoFrame *frame) const {
 Color Canvas::block_mean(int x, int y) const {
   const int right = std::min(x + 1, width_ - 1);
   const int below = std::min(y + 1, height_ - 1);
-  return (at(x, y) + at(right, y) + at(x, below) + at(right, below)) * 0.25F;
+  return (pixel(x, y) + pixel(right, y) + pixel(x, below) + pixel(right, below)) * 0.25F;
 }
 
 }  // namespace nox::scenes

@@ -36,6 +36,9 @@ class Canvas {
 
   int width() const { return width_; }
   int height() const { return height_; }
+  // Row by row from the top left.
+  const std::vector<Color> &pixels() const { return pixels_; }
+  const Color &pixel(int x, int y) const { return pixels_[index(x, y)]; }
 
   void fill(Color color);
   // Mixes `color` into pixel (x, y); coverage 0 leaves it, 1 replaces it. Outside is ignored.
@@ -44,6 +47,8 @@ class Canvas {
   void rectangle(Point top_left, Point bottom_right, Color color);
   // A disc whose border fades over `softness` pixels (1 is plain antialiasing).
   void disc(Point centre, float radius, Color color, float softness = 1.0F);
+  // A stroke from one point to another with round ends, `radius` to either side.
+  void line(Point from, Point to, float radius, Color color);
 
   // What a camera does to the scene, in this order: an out-of-focus blur (standard deviation in
   // pixels), the exposure, and the sensor's noise (standard deviation in steps of 255).
@@ -56,11 +61,12 @@ class Canvas {
   void write(NoxVideoFrame *frame) const;
 
  private:
-  Color &at(int x, int y) {
-    return pixels_[static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) +
-                   static_cast<std::size_t>(x)];
+  std::size_t index(int x, int y) const {
+    return static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) +
+           static_cast<std::size_t>(x);
   }
-  const Color &at(int x, int y) const { return const_cast<Canvas *>(this)->at(x, y); }
+  Color &at(int x, int y) { return pixels_[index(x, y)]; }
+  void stroke(Point from, Point to, float radius, Color color, float softness);
   void write_luma(NoxVideoFrame *frame) const;
   void write_chroma(NoxVideoFrame *frame) const;
   Color block_mean(int x, int y) const;

@@ -1,92 +1,59 @@
 #include "scenes/pen_scene.h"
 
 #include <cmath>
-#include <numbers>
+
+#include "scenes/desk.h"
 
 namespace nox::scenes {
 namespace {
 
-constexpr Color kDesk{120, 105, 90};
-constexpr Color kDeskEdge{70, 60, 55};
-constexpr Color kPaper{165, 165, 160};
-constexpr Color kInk{60, 60, 70};
-constexpr Color kRuler{140, 130, 60};
-constexpr Color kLamp{255, 255, 250};
-constexpr Color kCup{215, 20, 25};
-constexpr Color kCloth{20, 30, 205};
-constexpr Color kTip{255, 255, 255};
-constexpr Color kHoverGlow{10, 20, 255};
-constexpr Color kPressGlow{255, 15, 20};
-
 constexpr float kBlur = 0.8F;
-constexpr float kNoise = 4.0F;
+constexpr float kNoise = 3.0F;
+constexpr float kFramesPerSecond = 30.0F;
+// Sizes are fractions of the width.
+constexpr float kLight = 0.010F;
+constexpr float kHalo = 0.026F;
+constexpr Color kWhite{255, 255, 255};
+constexpr Color kHoverHalo{20, 40, 255};
+constexpr Color kPressedHalo{255, 20, 30};
 
-// Sizes as fractions of the picture's height.
-constexpr float kGlowRadius = 0.042F;
-constexpr float kTipRadius = 0.011F;
-
-// Frames of a round in which the pen is there, and in which it presses.
-struct Span {
-  std::uint32_t begin, end;
-  bool holds(std::uint32_t frame) const { return frame >= begin && frame < end; }
-};
-constexpr Span kVisible[] = {{10, 160}, {185, 300}};
-constexpr Span kPressed[] = {{45, 75}, {95, 130}, {205, 260}};
-
-template <std::size_t N>
-bool in_any(const Span (&spans)[N], std::uint32_t frame) {
-  for (const Span &span : spans) {
-    if (span.holds(frame)) return true;
-  }
-  return false;
-}
+// Rounds of 150 frames: hovering, pressed from 50 to 110, gone from 130 to 145. It comes back
+// hovering, as a pen that is lifted and set down again does.
+constexpr std::uint32_t kRound = 150;
+constexpr std::uint32_t kPressFrom = 50;
+constexpr std::uint32_t kPressTo = 110;
+constexpr std::uint32_t kGoneFrom = 130;
+constexpr std::uint32_t kGoneTo = 145;
 
 }  // namespace
 
-PenScene::PenScene(int width, int height) : canvas_(width, height), noise_(2) {}
-
-Point PenScene::at(float x, float y) const {
-  return {x * static_cast<float>(canvas_.width()), y * static_cast<float>(canvas_.height())};
+PenScene::PenScene(int width, int height)
+    : desk_(width, height), canvas_(width, height), noise_(2) {
+  draw_desk(&desk_);
 }
 
-PenState PenScene::pen(std::uint32_t index) const {
-  const std::uint32_t frame = index % kRound;
-  const float angle =
-      2.0F * std::numbers::pi_v<float> * static_cast<float>(frame) / static_cast<float>(kRound);
-  const Point tip = at(0.5F + 0.2F * std::sin(2.0F * angle), 0.52F + 0.3F * std::sin(3.0F * angle));
-  return {in_any(kVisible, frame), in_any(kPressed, frame), tip};
+PenTruth PenScene::truth(std::uint32_t index) {
+  const float t = static_cast<float>(index) / kFramesPerSecond;
+  const std::uint32_t phase = index % kRound;
+  return {phase < kGoneFrom || phase >= kGoneTo,
+          phase >= kPressFrom && phase < kPressTo,
+          {0.53F + 0.20F * std::sin(0.9F * t), 0.48F + 0.26F * std::sin(1.3F * t + 0.6F)}};
 }
 
-void PenScene::draw_desk() {
-  const auto height = static_cast<float>(canvas_.height());
-  canvas_.fill(kDesk);
-  canvas_.rectangle(at(0.0F, 0.93F), at(1.0F, 0.95F), kDeskEdge);
-  canvas_.rectangle(at(0.32F, 0.2F), at(0.6F, 0.8F), kPaper);
-  for (int line = 0; line < 9; ++line) {
-    const float y = 0.27F + 0.05F * static_cast<float>(line);
-    canvas_.rectangle(at(0.35F, y), at(0.57F - 0.02F * static_cast<float>(line % 3), y + 0.006F),
-                      kInk);
-  }
-  canvas_.rectangle(at(0.62F, 0.86F), at(0.95F, 0.9F), kRuler);
-  canvas_.disc(at(0.12F, 0.14F), 0.09F * height, kLamp, 6.0F);
-  canvas_.disc(at(0.87F, 0.25F), 0.1F * height, kCup, 2.0F);
-  canvas_.rectangle(at(0.02F, 0.55F), at(0.2F, 0.88F), kCloth);
-}
-
-void PenScene::draw_pen(const PenState &pen) {
-  const auto height = static_cast<float>(canvas_.height());
-  canvas_.disc(pen.tip, kGlowRadius * height, pen.pressed ? kPressGlow : kHoverGlow,
-               0.3F * kGlowRadius * height);
-  canvas_.disc(pen.tip, kTipRadius * height, kTip, 1.5F);
+void PenScene::draw(std::uint32_t index) {
+  canvas_ = desk_;
+  canvas_.expose(ambient_light(index));
+  const PenTruth pen = truth(index);
+  if (!pen.visible) return;
+  const auto width = static_cast<float>(canvas_.width());
+  const Point at{pen.at.x * width, pen.at.y * static_cast<float>(canvas_.height())};
+  canvas_.disc(at, kHalo * width, pen.pressed ? kPressedHalo : kHoverHalo, 0.25F * kHalo * width);
+  canvas_.disc(at, kLight * width, kWhite, 0.25F * kLight * width);
 }
 
 void PenScene::render(std::uint32_t index, NoxVideoFrame *frame) {
-  const auto t = static_cast<float>(index) / 30.0F;  // seconds
-  draw_desk();
-  const PenState state = pen(index);
-  if (state.visible) draw_pen(state);
+  draw(index);
   canvas_.blur(kBlur);
-  canvas_.expose(0.94F + 0.05F * std::sin(0.4F * t));
   canvas_.add_noise(noise_, index, kNoise);
   canvas_.write(frame);
 }

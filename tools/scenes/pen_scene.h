@@ -1,4 +1,4 @@
-// A camera's view of a desk over which somebody moves a pen of light.
+// A pen of light over a desk, as a camera sees it, with the truth about where it is.
 #ifndef SCENES_PEN_SCENE_H_
 #define SCENES_PEN_SCENE_H_
 
@@ -8,34 +8,31 @@
 
 namespace nox::scenes {
 
-// Where the pen is in one frame.
-struct PenState {
+struct PenTruth {
   bool visible;
   bool pressed;
-  Point tip;  // in pixels of the picture
+  Point
+      at;  // centre of the light, as fractions of the picture's width and height, from the top left
 };
 
-// On the desk lie things with still edges (a sheet of paper, a ruler) and things that a tracker may
-// take for a pen: a bright lamp, a red cup and a blue cloth. The pen's tip is white, in a glow that
-// is blue while it hovers and red while it presses. It follows a closed curve between them, is put
-// away for a while in every round and comes back hovering.
+// The pen is a white light with a halo: blue while it hovers, red while it is pressed. It runs
+// along a closed curve over the free middle of the desk, is pressed for a while in every round, and
+// disappears for a second now and then.
 class PenScene {
  public:
   PenScene(int width, int height);
 
-  // Frames are meant for 30 a second; a round takes kRound of them.
-  static constexpr std::uint32_t kRound = 300;
-  PenState pen(std::uint32_t index) const;
+  // Where the pen is in frame `index`, at 30 frames a second.
+  static PenTruth truth(std::uint32_t index);
 
-  // Draws frame `index` as the camera sees it: slightly blurred, in slowly changing light, with
-  // noise.
+  // Draws frame `index` without the camera's blur and noise, and then as the camera sees it.
+  void draw(std::uint32_t index);
   void render(std::uint32_t index, NoxVideoFrame *frame);
 
- private:
-  Point at(float x, float y) const;  // fractions of the picture, as pixels
-  void draw_desk();
-  void draw_pen(const PenState &pen);
+  Canvas &canvas() { return canvas_; }
 
+ private:
+  Canvas desk_;
   Canvas canvas_;
   NoiseField noise_;
 };
