@@ -14,7 +14,7 @@
 #include <opencv2/imgproc.hpp>
 #endif
 #ifdef NOX_HAVE_LEPTONICA
-#include <allheaders.h>
+#include <leptonica/allheaders.h>
 #endif
 
 namespace {
@@ -24,8 +24,8 @@ using Masks = std::vector<BitMask *>;
 // Masks of consecutive frames, so that blobs move as they do in a video.
 constexpr int kMasks = 16;
 
-// What the tracker labels of the camera scene: its grown luma mask.
-Masks scene_masks() {
+// What the tracker labels of the camera scene: its grown masks of one plane.
+Masks scene_masks(BitMask *PenTracker::*mask) {
   Masks masks;
   PenTracker *tracker = pen_tracker_new();
   for (int i = 0; i < kMasks; ++i) {
@@ -34,7 +34,7 @@ Masks scene_masks() {
     std::int32_t pressed;
     pen_tracker_process(tracker, &frame, &frame, &x, &y, &pressed);
     masks.push_back(bitmask_new(kPenWorkWidth, kPenWorkHeight));
-    bitmask_copy(masks.back(), tracker->luma_dilated);
+    bitmask_copy(masks.back(), tracker->*mask);
   }
   pen_tracker_free(tracker);
   return masks;
@@ -125,16 +125,19 @@ void register_all(const std::string &name, const Masks &masks, BlobFilter filter
 
 int main(int argc, char **argv) {
   benchmark::Initialize(&argc, argv);
+  const Masks luma = scene_masks(&PenTracker::luma_dilated);
+  const Masks u = scene_masks(&PenTracker::u_dilated);
+  const Masks v = scene_masks(&PenTracker::v_dilated);
   const Masks noise = noise_masks();
-  const Masks scene = scene_masks();
-  const Masks same_noise = {noise[0]};
-  register_all("label/scene mask", scene, nullptr);
-  register_all("label/noise mask, regions", noise, chroma_blob_filter);
-  register_all("label/noise mask, still", same_noise, nullptr);
-  register_all("label/noise mask", noise, nullptr);
+  register_all("label/scene, luma mask", luma, nullptr);
+  register_all("label/scene, U mask", u, chroma_blob_filter);
+  register_all("label/scene, V mask", v, chroma_blob_filter);
+  register_all("label/noise mask, the same again", {noise[0]}, nullptr);
+  register_all("label/noise masks, regions kept", noise, chroma_blob_filter);
+  register_all("label/noise masks, all kept", noise, nullptr);
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
-  for (const Masks *masks : {&scene, &noise}) {
+  for (const Masks *masks : {&luma, &u, &v, &noise}) {
     for (BitMask *mask : *masks) bitmask_free(mask);
   }
   return 0;

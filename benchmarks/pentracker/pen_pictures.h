@@ -38,7 +38,7 @@ inline FramePool &scene_pool() {
   static scenes::PenScene scene(kWidth, kHeight);
   static FramePool pool(kFrameBytes, [](std::uint8_t *block, std::size_t index) {
     NoxVideoFrame frame = frame_in(block);
-    scene.render(static_cast<std::uint32_t>(index) + 20, &frame);  // from 20 on there is a pen
+    scene.render(static_cast<std::uint32_t>(index), &frame);
   });
   return pool;
 }

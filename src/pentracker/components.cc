@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 #include <limits>
 #include <utility>
 
@@ -10,10 +11,6 @@
 namespace nox::pentracker {
 
 namespace {
-
-// Groups are written to a row a few pixels at a time; what spills over the end of a run is
-// overwritten by the next run or never looked at.
-constexpr std::int32_t kFillStep = 8;
 
 constexpr std::int32_t kNone = -1;
 constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
@@ -24,27 +21,10 @@ std::size_t at(std::int32_t i) {
   return static_cast<std::size_t>(i);
 }
 
-void fill_groups(std::int32_t *groups, std::int32_t begin, std::int32_t end, std::int32_t group) {
-  for (std::int32_t x = begin; x < end; x += kFillStep) {
-    for (std::int32_t i = 0; i < kFillStep; ++i) groups[x + i] = group;
-  }
-}
-
 // Appends the positions of the set bits to `out` and returns the new end.
 std::int32_t *append_bits(std::int32_t *out, std::uint64_t bits, std::int32_t first) {
   for (; bits != 0; bits &= bits - 1) *out++ = first + std::countr_zero(bits);
   return out;
-}
-
-// Writes the pixels begin to end - 1 of a row. Most runs of a noisy mask are a few pixels long: up
-// to three are written without a branch on their number.
-void write_run(BlobPixel *out, std::int32_t begin, std::int32_t end, std::int32_t y) {
-  const std::int32_t last = end - begin - 1;
-  out[0] = {begin, y};
-  out[last / 2] = {begin + last / 2, y};
-  out[last] = {end - 1, y};
-  if (last < 3) return;
-  for (std::int32_t i = 1; i < last; ++i) out[i] = {begin + i, y};
 }
 
 void extend(Box *box, const Box &other) {
@@ -60,28 +40,50 @@ Components::Components(std::int32_t width, std::int32_t height) : width_(width),
   const std::size_t words = at(words_of(width));
   for (Row *row : {&above_, &row_}) {
     row->words.resize(words);
-    row->cuts.resize(words);
-    row->groups.resize(words * kWordBits + kFillStep);
+    row->begins.resize(words);
+    row->groups.resize(words * kWordBits);
   }
   for (auto *events : {&starts_, &ends_, &contacts_}) events->resize(words * kWordBits + 1);
 }
 
-void Components::label(const BitMask *mask) {
+bool Components::label(const BitMask *mask) {
+  if (!take_over(mask)) return false;
   segment_count_ = group_count_ = 0;
   pixel_count_ = 0;
-  std::fill(above_.words.begin(), above_.words.end(), 0);
-  std::fill(above_.cuts.begin(), above_.cuts.end(), 0);
-  above_.empty = true;
+  clear_above();
+  bool above_is_empty = true;
   for (std::int32_t y = 0; y < height_; ++y) {
-    row_.empty = !load_row_words(mask, y, row_.words.data());
-    if (row_.empty && above_.empty) continue;
-    std::fill(row_.cuts.begin(), row_.cuts.end(), 0);
+    const std::uint8_t *row = mask->data + static_cast<std::ptrdiff_t>(y) * mask->stride;
+    if (!read_row(row, width_, row_.words.data())) {
+      if (!above_is_empty) clear_above();
+      above_is_empty = true;
+      continue;
+    }
     reserve_row();
     find_events();
     scan_row(y);
     std::swap(above_, row_);
+    above_is_empty = false;
   }
   list_components();
+  return true;
+}
+
+// Notes what the mask holds; false when it is what the last one held. The bytes behind the rows are
+// compared, too: where only they differ, the mask counts as changed and is labelled again.
+bool Components::take_over(const BitMask *mask) {
+  const auto size = at(mask->size);
+  if (last_mask_.size() == size && size != 0 &&
+      std::memcmp(last_mask_.data(), mask->block, size) == 0) {
+    return false;
+  }
+  last_mask_.assign(mask->block, mask->block + size);
+  return true;
+}
+
+void Components::clear_above() {
+  std::fill(above_.words.begin(), above_.words.end(), 0);
+  std::fill(above_.begins.begin(), above_.begins.end(), 0);
 }
 
 // Makes room for all that one row can add: a segment for each pixel, a group for every other one.
@@ -102,31 +104,44 @@ void Components::find_events() {
   std::int32_t *contact = contacts_.data();
   std::uint64_t left = 0;          // the pixel left of this word, in bit 0
   std::uint64_t left_overlap = 0;  // the same of the pixels that are set in both rows
-  const std::int32_t words = words_of(width_);
-  for (std::int32_t w = 0; w < words; ++w) {
+  const std::int32_t count = words_of(width_);
+  for (std::int32_t w = 0; w < count; ++w) {
     const std::uint64_t row = row_.words[at(w)];
+    const std::uint64_t shifted = row << 1 | left;
+    row_.begins[at(w)] = row & ~shifted;
     if ((row | left) == 0) continue;
     const std::uint64_t overlap = row & above_.words[at(w)];
-    const std::uint64_t shifted = row << 1 | left;
-    const std::uint64_t meets = overlap & (~(overlap << 1 | left_overlap) | above_.cuts[at(w)]);
+    const std::uint64_t meets = overlap & (~(overlap << 1 | left_overlap) | above_.begins[at(w)]);
     start = append_bits(start, row & ~shifted, w * kWordBits);
     end = append_bits(end, ~row & shifted, w * kWordBits);
     contact = append_bits(contact, meets, w * kWordBits);
     left = row >> (kWordBits - 1);
     left_overlap = overlap >> (kWordBits - 1);
   }
-  if (left != 0) *end++ = words * kWordBits;
+  if (left != 0) *end++ = count * kWordBits;
   *start = *contact = kRightOfPicture;
+}
+
+inline bool Components::Row::is_set(std::int32_t x) const {
+  return (words[at(x / kWordBits)] >> (x % kWordBits) & 1) != 0;
+}
+
+// The group of a set pixel.
+inline std::int32_t Components::Row::group_of(std::int32_t x) const {
+  const std::int32_t word = x / kWordBits;
+  // The word's begins up to x; without any, the segment came in from the left.
+  const std::uint64_t until = begins[at(word)] << (kWordBits - 1 - x % kWordBits);
+  const std::int32_t first = until != 0 ? x - std::countl_zero(until) : word * kWordBits;
+  return groups[at(first)];
 }
 
 // What the scan of a row works on, apart from the object: the compiler need not fear that writing a
 // group changes where the groups are.
 struct Components::RowScan {
-  const std::int32_t *above;  // groups of the row above
-  std::int32_t *row;          // groups of this row
-  std::uint64_t *cuts;
+  std::int32_t *row_groups;
+  std::uint64_t *row_begins;
   Group *groups;
-  Segment *segment;  // the next one to be written
+  PixelRun *segment;  // the next one to be written
   std::int32_t y;
 
   void add_segment(std::int32_t group, std::int32_t begin, std::int32_t end) {
@@ -136,23 +151,22 @@ struct Components::RowScan {
     owner.box.min_x = std::min(owner.box.min_x, begin);
     owner.box.max_x = std::max(owner.box.max_x, end - 1);
     owner.box.max_y = y;
-    fill_groups(row, begin, end, group);
+    row_groups[begin] = group;
+    for (std::int32_t x = (begin | (kWordBits - 1)) + 1; x < end; x += kWordBits) {
+      row_groups[x] = group;
+    }
   }
 
   // Ends the segment of `group` before x, where the run goes on in another group.
   void cut(std::int32_t group, std::int32_t begin, std::int32_t x) {
     add_segment(group, begin, x);
-    cuts[x / kWordBits] |= std::uint64_t{1} << (x % kWordBits);
+    row_begins[x / kWordBits] |= std::uint64_t{1} << (x % kWordBits);
   }
 };
 
 void Components::scan_row(std::int32_t y) {
-  RowScan scan{above_.groups.data(),
-               row_.groups.data(),
-               row_.cuts.data(),
-               groups_.data(),
-               segments_.data() + segment_count_,
-               y};
+  RowScan scan{row_.groups.data(), row_.begins.data(), groups_.data(),
+               segments_.data() + segment_count_, y};
   std::int32_t *const parents = parents_.data();
   std::int32_t made = group_count_;
   const std::int32_t *contact = contacts_.data();
@@ -164,14 +178,18 @@ void Components::scan_row(std::int32_t y) {
     const bool joins = *contact == begin;
     scan.groups[made] = {{begin, y, begin, y}, 0, kNone, made};
     parents[made] = made;
-    std::int32_t group = joins ? scan.above[begin] : made;
+    std::int32_t group = joins ? above_.group_of(begin) : made;
     made += joins ? 0 : 1;
     contact += joins ? 1 : 0;
+    std::int32_t last = group;  // the group of the segment above that was met last
     for (; *contact < *end; ++contact) {
       const std::int32_t x = *contact;
-      const std::int32_t other = scan.above[x];
+      const std::int32_t other = above_.group_of(x);
+      // Two segments that touch in the row above are of one component already.
+      const bool known = last == group && above_.is_set(x - 1);
+      last = other;
       if (other == group) continue;
-      merge(std::min(group, other), std::max(group, other));
+      if (!known) merge(std::min(group, other), std::max(group, other));
       if (other > group) continue;
       scan.cut(group, begin, x);
       begin = x;
@@ -232,13 +250,8 @@ void Components::complete(Component *component) {
 }
 
 void Components::write_pixels(BlobPixel *pixels) const {
-  next_pixels_ = first_pixels_;
-  for (std::int32_t i = 0; i < segment_count_; ++i) {
-    const Segment &segment = segments_[at(i)];
-    std::int32_t &next = next_pixels_[at(segment.group)];
-    write_run(pixels + next, segment.begin, segment.end, segment.y);
-    next += segment.end - segment.begin;
-  }
+  std::vector<std::int32_t> next = first_pixels_;
+  write_pixel_runs(segments_.data(), segment_count_, pixel_count_, next.data(), pixels);
 }
 
 }  // namespace nox::pentracker

@@ -8,6 +8,7 @@
 
 #include "masks/bitmask.h"
 #include "pentracker/blob_list.h"
+#include "pentracker/pixel_runs.h"
 
 namespace nox::pentracker {
 
@@ -36,7 +37,9 @@ class Components {
  public:
   Components(std::int32_t width, std::int32_t height);
 
-  void label(const BitMask *mask);
+  // Returns whether anything has changed. A mask that is the same as the last one keeps its
+  // components, at the price of comparing the two.
+  bool label(const BitMask *mask);
 
   // The components of the last mask, by rising id.
   const std::vector<Component> &components() const { return components_; }
@@ -46,25 +49,27 @@ class Components {
   void write_pixels(BlobPixel *pixels) const;
 
  private:
-  // Consecutive pixels of one row that joined one group.
-  struct Segment {
-    std::int32_t begin, end, y, group;
-  };
   struct RowScan;
   struct Group {
     Box box;
     std::int32_t pixel_count;
     std::int32_t next_merged, last_merged;  // the chain of groups that a root has taken in
   };
-  // One row: words of pixels, and the group of each set pixel.
+  // What is known of a row that was scanned.
   struct Row {
-    std::vector<std::uint64_t> words;
-    std::vector<std::uint64_t> cuts;  // pixels at which the group changes within a run
+    std::vector<std::uint64_t> words;   // the pixels
+    std::vector<std::uint64_t> begins;  // those at which a segment begins
+    // The group of a segment, kept at its first pixel and at the first of each word it reaches
+    // into.
     std::vector<std::int32_t> groups;
-    bool empty;
+
+    bool is_set(std::int32_t x) const;
+    std::int32_t group_of(std::int32_t x) const;
   };
 
   void reserve_row();
+  bool take_over(const BitMask *mask);
+  void clear_above();
   void find_events();
   void scan_row(std::int32_t y);
   std::int32_t root(std::int32_t group);
@@ -73,15 +78,15 @@ class Components {
   void complete(Component *component);
 
   std::int32_t width_, height_;
+  std::vector<std::uint8_t> last_mask_;  // all bytes of its block; empty before the first
   Row above_, row_;
   // Events of the current row, left to right: where runs start and end, and where a run meets
   // another segment of the row above. Each list is closed by a value right of the picture.
   std::vector<std::int32_t> starts_, ends_, contacts_;
-  std::vector<Segment> segments_;
+  std::vector<PixelRun> segments_;  // each a run, or the part of one that joined one group
   std::vector<Group> groups_;
   std::vector<std::int32_t> parents_;
   std::vector<std::int32_t> first_pixels_;  // of each group, among the pixels of all components
-  mutable std::vector<std::int32_t> next_pixels_;
   std::vector<Component> components_;
   std::int32_t segment_count_ = 0;
   std::int32_t group_count_ = 0;
