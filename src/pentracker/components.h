@@ -8,7 +8,7 @@
 
 #include "masks/bitmask.h"
 #include "pentracker/blob_list.h"
-#include "pentracker/pixel_runs.h"
+#include "pentracker/pixel_run_kernels.h"
 
 namespace nox::pentracker {
 

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <limits>
 
+#include "pentracker/link_table_kernels.h"
+
 namespace nox::pentracker {
 
 namespace {

@@ -1,4 +1,4 @@
-// The earlier blobs of a frame as columns of numbers, and the one look at them that must be quick.
+// The earlier blobs of a frame as columns of numbers.
 #ifndef PENTRACKER_LINK_TABLE_H_
 #define PENTRACKER_LINK_TABLE_H_
 
@@ -25,18 +25,6 @@ struct LinkTable {
   std::vector<float>
       taken;  // the score of its successor; beyond every score when none can be higher
 };
-
-// What a new blob brings to the look.
-struct LinkQuery {
-  float x, y;
-  BlobShape shape;
-  float best;  // the score to surpass
-};
-
-// The first blob from `from` on that may score above `best` and above what it is taken for; `count`
-// when there is none. The bound that decides is cheap and a little too high: it holds for every
-// blob that does surpass them, and for some that do not.
-std::int32_t first_likely(const LinkTable &table, const LinkQuery &query, std::int32_t from);
 
 }  // namespace nox::pentracker
 

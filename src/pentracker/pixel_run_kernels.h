@@ -1,6 +1,6 @@
 // From runs of pixels to lists of pixels.
-#ifndef PENTRACKER_PIXEL_RUNS_H_
-#define PENTRACKER_PIXEL_RUNS_H_
+#ifndef PENTRACKER_PIXEL_RUN_KERNELS_H_
+#define PENTRACKER_PIXEL_RUN_KERNELS_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -22,4 +22,4 @@ void write_pixel_runs(const PixelRun *runs, std::int32_t count, std::size_t pixe
 
 }  // namespace nox::pentracker
 
-#endif  // PENTRACKER_PIXEL_RUNS_H_
+#endif  // PENTRACKER_PIXEL_RUN_KERNELS_H_

@@ -1,7 +1,7 @@
-#include "pentracker/pixel_runs.h"
+#include "pentracker/pixel_run_kernels.h"
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "pentracker/pixel_runs.cc"
+#define HWY_TARGET_INCLUDE "pentracker/pixel_run_kernels.cc"
 #include "hwy/cache_control.h"
 #include "hwy/foreach_target.h"  // IWYU pragma: keep
 #include "hwy/highway.h"
