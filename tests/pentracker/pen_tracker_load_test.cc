@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -54,6 +55,11 @@ struct Load {
   const char *name;
   std::function<void(PenPicture *, int frame, Random *)> draw;
 };
+
+// How a failing test shows its load.
+void PrintTo(const Load &load, std::ostream *out) {
+  *out << load.name;
+}
 
 // The most spots that growing by one pixel leaves apart: squares of 3 by 3 that touch at corners.
 bool tile_centre(Size x, Size y) {
@@ -183,7 +189,7 @@ TEST(PenTracker, KeepsNothingOfTenThousandFramesWithASizeChangeEveryTen) {
       pictures.back()->draw_pen(0.5, 0.5, 6, i % 2 == 0 ? 1 : 2);
     }
   }
-  const int frames = quick() ? 100 : 10000;
+  const int frames = quick() ? 60 : 10000;
   std::size_t after_one_round = 0;
   for (int frame = 0; frame < frames; ++frame) {
     process(tracker.get(), pictures[static_cast<std::size_t>(frame / 10) % 90]->frame());
