@@ -88,11 +88,11 @@ void register_or(const std::string &name, const Picture &picture) {
 [[maybe_unused]] const bool registered = [] {
   const Picture work = make_picture(448, 252);
   const Picture hd = make_picture(1920, 1080);
-  register_threshold("threshold_448x252", work);
-  register_threshold("threshold_1920x1080", hd);
-  register_or("or_448x252", work);
-  register_or("or_1920x1080", hd);
-  register_and_not("and_not_448x252", work);
+  register_threshold("threshold/448x252", work);
+  register_threshold("threshold/1920x1080", hd);
+  register_or("or/448x252", work);
+  register_or("or/1920x1080", hd);
+  register_and_not("and_not/448x252", work);
   return true;
 }();
 

@@ -90,12 +90,12 @@ void register_closing(const std::string &name, const Picture &picture, const tes
   const Picture work = make_picture(448, 252);
   const Picture hd = make_picture(1920, 1080);
   test::Random random(41);
-  register_morph("dilate_disc15_448x252", work, test::disc15(), kBitmaskDilate);
-  register_morph("dilate_box3_448x252", work, test::box(3, 3), kBitmaskDilate);
-  register_morph("erode_box3_448x252", work, test::box(3, 3), kBitmaskErode);
-  register_closing("close_cross3_1920x1080", hd, test::cross3());
-  register_morph("dilate_box7_448x252", work, test::box(7, 7), kBitmaskDilate);
-  register_morph("dilate_irregular15_448x252", work, test::random_shape(15, 15, 0.5, &random),
+  register_morph("dilate_disc15/448x252", work, test::disc15(), kBitmaskDilate);
+  register_morph("dilate_box3/448x252", work, test::box(3, 3), kBitmaskDilate);
+  register_morph("erode_box3/448x252", work, test::box(3, 3), kBitmaskErode);
+  register_closing("close_cross3/1920x1080", hd, test::cross3());
+  register_morph("dilate_box7/448x252", work, test::box(7, 7), kBitmaskDilate);
+  register_morph("dilate_irregular15/448x252", work, test::random_shape(15, 15, 0.5, &random),
                  kBitmaskDilate);
   return true;
 }();

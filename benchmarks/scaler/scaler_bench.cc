@@ -77,7 +77,6 @@ void register_frame(const std::string &name, ScalerSize size) {
 }
 
 void register_frames(const std::string &name, ScalerSize size) {
-  register_frame<NoxScaling>(name + "/nox", size);
   register_targets(name, [size](benchmark::State &state) { scale_frame<NoxScaling>(state, size); });
 #ifdef NOX_HAVE_ZIMG
   register_frame<ZimgScaling>(name + "/zimg", size);
@@ -105,7 +104,6 @@ void register_halving(const std::string &name, ScalerSize size) {
       scaling.run(src, size.width, dst, size.width / 2);
     });
   };
-  benchmark::RegisterBenchmark((name + "/nox").c_str(), nox);
   register_targets(name, nox);
 #ifdef NOX_HAVE_LIBYUV
   benchmark::RegisterBenchmark((name + "/libyuv").c_str(), [size](benchmark::State &state) {

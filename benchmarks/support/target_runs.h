@@ -25,6 +25,7 @@ class ForcedTarget {
 // `run(state)` makes its input and times `state`'s loop.
 template <typename Run>
 void register_targets(const std::string &name, Run run) {
+  benchmark::RegisterBenchmark((name + "/nox").c_str(), run);
   for (std::int64_t rest = hwy::SupportedTargets() & HWY_TARGETS; rest != 0; rest &= rest - 1) {
     const std::int64_t target = rest & -rest;
     benchmark::RegisterBenchmark((name + "/nox:" + hwy::TargetName(target)).c_str(),

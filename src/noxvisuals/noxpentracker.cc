@@ -31,6 +31,7 @@
 #include <cstdint>
 
 #include "navigation/nox_navigation.h"
+#include "noxvisuals/planar_pads.h"
 #include "pentracker/pen_tracker.h"
 #include "video/nox_video_frame.h"
 #include "video/nox_video_gst.h"
@@ -62,15 +63,13 @@ namespace {
 
 constexpr guint kNavigationObject = 1;
 
-constexpr const char *kCaps =
-    "video/x-raw, format = (string) {I420, A420}, width = (int) [ 1, max ], height = (int) [ 1, "
-    "max ], "
-    "framerate = (fraction) [ 0, max ]";
+using nox::noxvisuals::kPlanarCaps;
+using nox::noxvisuals::new_proxy_pad;
 
 GstStaticPadTemplate sink_template =
-    GST_STATIC_PAD_TEMPLATE("sink", GST_PAD_SINK, GST_PAD_ALWAYS, GST_STATIC_CAPS(kCaps));
+    GST_STATIC_PAD_TEMPLATE("sink", GST_PAD_SINK, GST_PAD_ALWAYS, GST_STATIC_CAPS(kPlanarCaps));
 GstStaticPadTemplate src_template =
-    GST_STATIC_PAD_TEMPLATE("src", GST_PAD_SRC, GST_PAD_ALWAYS, GST_STATIC_CAPS(kCaps));
+    GST_STATIC_PAD_TEMPLATE("src", GST_PAD_SRC, GST_PAD_ALWAYS, GST_STATIC_CAPS(kPlanarCaps));
 
 struct Position {
   float x;  // fractions, as in the element's description
@@ -177,14 +176,6 @@ void nox_pen_tracker_dispose(GObject *object) {
 void nox_pen_tracker_finalize(GObject *object) {
   g_weak_ref_clear(&nox_pen_tracker_cast(object)->navigation_alive);
   G_OBJECT_CLASS(nox_pen_tracker_parent_class)->finalize(object);
-}
-
-// A pad that is told caps and asks for allocations as its neighbour on the other side does.
-GstPad *new_proxy_pad(GstStaticPadTemplate *pad_template, const char *name) {
-  GstPad *pad = gst_pad_new_from_static_template(pad_template, name);
-  GST_PAD_SET_PROXY_CAPS(pad);
-  GST_PAD_SET_PROXY_ALLOCATION(pad);
-  return pad;
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include "noxvisuals/noxpentracker.h"
 #include "noxvisuals/noxqrdec.h"
+#include "noxvisuals/noxvectorizer.h"
 
 namespace {
 
@@ -14,6 +15,7 @@ struct Element {
 // In the order of their registration.
 constexpr Element kElements[] = {
     {"noxpentracker", nox_pen_tracker_get_type},
+    {"noxvectorizer", nox_vectorizer_get_type},
     {"noxqrdec", nox_qr_dec_get_type},
 };
 

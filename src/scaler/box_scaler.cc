@@ -40,6 +40,7 @@ void reduce_plane(const BoxKernels &kernels, std::int32_t factor, const SourcePl
   PlanePrefetch prefetch(src);
   for (std::int32_t y = 0; y < dst.size.height; ++y) {
     prefetch.advance(factor);
+    prefetch.catch_up();
     const std::uint8_t *from = src.row(y * factor);
     if (reduce_row != nullptr) {
       reduce_row(from, src.stride, width, dst.row(y));

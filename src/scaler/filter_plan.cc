@@ -49,12 +49,13 @@ bool fit_signed_bytes(Weighted &output, std::size_t taps) {
 
 // The windows of all groups: each starts at the first sample of its first output, or as far left as
 // keeps the window within the row.
-std::vector<std::int32_t> place_windows(const std::vector<Weighted> &outputs, std::size_t groups,
+std::vector<std::int32_t> place_windows(const AxisPositions &columns, std::size_t groups,
                                         FetchShape shape, std::int32_t last_start) {
   std::vector<std::int32_t> windows(groups);
-  for (std::size_t x = 0; x < outputs.size(); x += shape.group_outputs) {
-    const auto &index = outputs[x].index;
-    windows[x / shape.group_outputs] = std::min(std::min(index[0], index[1]), last_start);
+  const auto outputs = static_cast<std::size_t>(columns.out_count);
+  for (std::size_t x = 0; x < outputs; x += shape.group_outputs) {
+    const std::int32_t first = columns.indices[x * static_cast<std::size_t>(columns.taps)];
+    windows[x / shape.group_outputs] = std::min(first, last_start);
   }
   return windows;
 }
@@ -94,7 +95,7 @@ std::optional<ColumnPlan> plan_columns(const FilterCoefficients &coefficients,
   plan.out_count = outputs.size();
   plan.padded_count = (plan.out_count + kColumnStep - 1) / kColumnStep * kColumnStep;
   const std::size_t groups = plan.padded_count / shape.group_outputs;
-  plan.windows = place_windows(outputs, groups, shape, last_start);
+  plan.windows = place_windows(columns, groups, shape, last_start);
   for (std::size_t tap = 0; tap < taps; tap += kTapsPerQuad) {
     ColumnQuad quad = {};
     if (!fill_quad(quad, plan, outputs, tap, shape)) return std::nullopt;

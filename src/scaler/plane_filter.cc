@@ -51,9 +51,11 @@ void run_plane_filter(PlaneFilter &filter, ReducedRows &src, const DestinationPl
       // Below the last row the weight is 0, and any row will do.
       const std::uint8_t *upper = src.row(2 * pair, 0);
       const std::uint8_t *lower = 2 * pair < filter.last_row ? src.row(2 * pair + 1, 1) : upper;
+      src.prefetch.advance(0);
       filter.filter_rows(filter.columns, upper, lower, slot(pair));
       next_pair = pair + 1;
     }
+    src.prefetch.catch_up();
     filter.merge_rows(step, pairs, filter.columns.out_count, dst.row(y));
   }
 }

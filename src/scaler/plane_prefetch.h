@@ -21,10 +21,15 @@ class PlanePrefetch {
       : next_(reinterpret_cast<std::uintptr_t>(plane.data) + kBlock),
         row_bytes_(is_dense(plane) ? plane.stride : 0) {}
 
-  // To be called with the number of rows that are about to be read.
+  // To be called with the number of rows that are about to be read. Asks for half of what is due,
+  // so that the rest goes out while the rows are worked on.
   void advance(std::int32_t rows) {
-    for (due_ += rows * row_bytes_; due_ >= kTurn; due_ -= kTurn) take_turn();
+    due_ += rows * row_bytes_;
+    ask(due_ / 2);
   }
+
+  // Asks for all that is due.
+  void catch_up() { ask(0); }
 
  private:
   static constexpr std::uintptr_t kLine = 64;  // bytes of a cache line
@@ -32,6 +37,11 @@ class PlanePrefetch {
   static constexpr std::uintptr_t kPages = 8;  // of a block
   static constexpr std::uintptr_t kBlock = kPages * kPage;
   static constexpr std::ptrdiff_t kTurn = kPages * kLine;
+
+  // Asks for lines until no more than `rest` bytes and a turn are due.
+  void ask(std::ptrdiff_t rest) {
+    for (; due_ >= rest + kTurn; due_ -= kTurn) take_turn();
+  }
 
   // Not where rows lie upwards or far apart in memory.
   static bool is_dense(const SourcePlane &plane) {

@@ -95,6 +95,8 @@ constexpr const char *kPlanarCaps =
 constexpr ElementRow kElements[] = {
     {"noxpentracker", "NoxPenTracker", "GstElement", "Video pen tracker", "Filter/Tracker/Video",
      kPlanarCaps},
+    {"noxvectorizer", "NoxVectorizer", "GstElement", "Video Vectorizer", "Filter/Tracker/Video",
+     kPlanarCaps},
     {"noxqrdec", "NoxQRDec", "GstVideoFilter", "QR Code Detector", "Filter/Trackerer/Video",
      "video/x-raw, format = (string) I420, width = (int) [ 1, max ], height = (int) [ 1, max ], "
      "framerate = (fraction) [ 0, max ]"},

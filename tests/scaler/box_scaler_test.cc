@@ -40,8 +40,8 @@ TEST_P(BoxKernels, EveryWidthMatchesThePlainMeans) {
       from.add(src, width % 7);
       GuardedFrame to;
       to.add(width, 1, 0);
-      reduce_row(from.record().planes[0], from.record().strides[0],
-                 static_cast<std::size_t>(width), to.record().planes[0]);
+      reduce_row(from.record().planes[0], from.record().strides[0], static_cast<std::size_t>(width),
+                 to.record().planes[0]);
       to.expect(0, nox::test::box_plain(src, factor, width, 1));
     }
   }

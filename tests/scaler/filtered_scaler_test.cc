@@ -217,4 +217,72 @@ TEST_P(FilteredScaler, SidesBeyond65536Wrap) {
   expect_plane({8, 65600, 8, 65000}, Content::kNoise, 0);
 }
 
+TEST(FilteredScalerFrames, PlanesThatDoNotFitTheSelectionAreLeftAlone) {
+  nox::test::Random random(45);
+  Scaler scaler = {};
+  ASSERT_EQ(scaler_select(&scaler, {640, 480}, {448, 252}), 1);
+  GuardedFrame src;
+  src.add(make_picture(640, 479, Content::kNoise, random), 0);
+  src.add(make_picture(319, 240, Content::kNoise, random), 0);
+  src.add(make_picture(320, 240, Content::kNoise, random), 0);
+  GuardedFrame dst;
+  dst.add(448, 252, 0);
+  dst.add(224, 126, 0);
+  dst.add(223, 126, 0);
+  scaler_process(&scaler, &src.record(), &dst.record());
+  for (std::size_t p = 0; p < 3; ++p) dst.expect(p, {});
+  scaler_destroy(&scaler);
+}
+
+TEST(FilteredScalerFrames, PlanesThatAreNotThereAreSkipped) {
+  nox::test::Random random(46);
+  Scaler scaler = {};
+  ASSERT_EQ(scaler_select(&scaler, {640, 480}, {448, 252}), 1);
+  GuardedFrame src;
+  src.add(make_picture(640, 480, Content::kNoise, random), 0);
+  src.add(make_picture(320, 240, Content::kNoise, random), 0);
+  GuardedFrame gray;
+  gray.add(448, 252, 0);
+  scaler_process(&scaler, &src.record(), &gray.record());  // chroma has nowhere to go
+  NoxVideoFrame empty = {};
+  empty.n_planes = 9;
+  scaler_process(&scaler, &empty, &gray.record());
+  scaler_process(&scaler, &src.record(), &empty);
+  scaler_destroy(&scaler);
+}
+
+TEST(FilteredScalerFrames, RowsThatLieUpwardsAreReadAndWritten) {
+  const PlainSizes s = {640, 480, 448, 252};
+  const Pictures &wanted = pictures(s, Content::kNoise, nox::test::scale_plain);
+  GuardedFrame src;
+  src.add(wanted.src, 0);
+  GuardedFrame dst;
+  dst.add(448, 252, 0);
+  const auto turn_over = [](NoxVideoFrame frame) {
+    frame.planes[0] += static_cast<std::ptrdiff_t>(frame.strides[0]) * (frame.height - 1);
+    frame.strides[0] = -frame.strides[0];
+    return frame;
+  };
+  const NoxVideoFrame from = turn_over(src.record());
+  NoxVideoFrame to = turn_over(dst.record());
+  Scaler scaler = {};
+  ASSERT_EQ(scaler_select(&scaler, {s.in_width, s.in_height}, {s.out_width, s.out_height}), 1);
+  scaler_process(&scaler, &from, &to);
+  scaler_destroy(&scaler);
+  Picture turned = wanted.src;
+  for (int y = 0; y < 480; ++y) {
+    for (int x = 0; x < 640; ++x) {
+      turned.at(x, y) = static_cast<std::uint8_t>(wanted.src.at(x, 479 - y));
+    }
+  }
+  Picture scaled = nox::test::scale_plain(turned, s);
+  Picture back = scaled;
+  for (int y = 0; y < 252; ++y) {
+    for (int x = 0; x < 448; ++x) {
+      back.at(x, y) = static_cast<std::uint8_t>(scaled.at(x, 251 - y));
+    }
+  }
+  dst.expect(0, back);
+}
+
 }  // namespace

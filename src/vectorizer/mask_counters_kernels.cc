@@ -1,0 +1,95 @@
+#include "vectorizer/mask_counters_kernels.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "vectorizer/mask_counters_kernels.cc"
+#include <hwy/foreach_target.h>
+// After foreach_target.h, which sets the target.
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace nox::vectorizer {
+namespace HWY_NAMESPACE {
+namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Words = hn::CappedTag<std::uint64_t, kBlockWords>;
+using WordVec = hn::Vec<Words>;
+
+// A limit is an int or an integral_constant; with the latter the loops over the planes unroll.
+template <class Limit>
+HWY_INLINE bool limit_has(Limit limit, int bit) {
+  return ((static_cast<std::int32_t>(limit) >> bit) & 1) != 0;
+}
+
+// Whether the counters are at the limit. None is above, so having all its bits is being it.
+template <class Limit>
+HWY_INLINE WordVec AtLimit(Words d, Limit limit, const std::uint64_t *plane, std::size_t words) {
+  WordVec at = hn::Set(d, ~std::uint64_t{0});
+  for (int k = 0; k < counter_planes(limit); ++k) {
+    if (limit_has(limit, k))
+      at = hn::And(at, hn::Load(d, plane + words * static_cast<unsigned>(k)));
+  }
+  return at;
+}
+
+template <class Limit>
+HWY_INLINE WordVec Step(Words d, Limit limit, std::uint64_t *plane, std::size_t words,
+                        WordVec set) {
+  WordVec carry = hn::AndNot(AtLimit(d, limit, plane, words), set);
+  WordVec answer = set;
+  for (int k = 0; k < counter_planes(limit); ++k, plane += words) {
+    const WordVec old = hn::Load(d, plane);
+    const WordVec now = hn::And(hn::Xor(old, carry), set);
+    carry = hn::And(carry, old);
+    if (limit_has(limit, k)) answer = hn::And(answer, now);
+    hn::Store(now, d, plane);
+  }
+  return answer;
+}
+
+template <class Limit>
+void StepRows(std::uint64_t *planes, Limit limit, bool inverted, const BitRows &bits) {
+  const Words d;
+  const WordVec flip = hn::Set(d, inverted ? ~std::uint64_t{0} : 0);
+  for (std::int32_t y = 0; y < bits.count; ++y) {
+    std::uint64_t *row = bits.row(y);
+    for (std::size_t i = 0; i < bits.words; i += hn::Lanes(d)) {
+      const WordVec set = hn::Xor(hn::Load(d, row + i), flip);
+      hn::Store(hn::Xor(Step(d, limit, planes + i, bits.words, set), flip), d, row + i);
+    }
+    planes += bits.words * static_cast<unsigned>(counter_planes(limit));
+  }
+}
+
+// The limits that the vectorizer uses have code of their own; any other limit works as well.
+void CountRuns(std::uint64_t *planes, std::int32_t limit, bool inverted, const BitRows &bits) {
+  switch (limit) {
+    case 100:
+      return StepRows(planes, std::integral_constant<std::int32_t, 100>(), inverted, bits);
+    case 500:
+      return StepRows(planes, std::integral_constant<std::int32_t, 500>(), inverted, bits);
+    default:
+      return StepRows(planes, limit, inverted, bits);
+  }
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace nox::vectorizer
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace nox::vectorizer {
+
+HWY_EXPORT(CountRuns);
+void count_runs(std::uint64_t *planes, std::int32_t limit, bool inverted, const BitRows &bits) {
+  HWY_DYNAMIC_DISPATCH(CountRuns)(planes, limit, inverted, bits);
+}
+
+}  // namespace nox::vectorizer
+#endif  // HWY_ONCE
