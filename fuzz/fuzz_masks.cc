@@ -8,30 +8,13 @@
 #include <memory>
 #include <vector>
 
+#include "fuzz_input.h"
 #include "masks/bitmask.h"
 #include "masks/morphology.h"
 
 namespace {
 
-// Hands out the fuzzer's bytes one by one, then zeros.
-class Input {
- public:
-  Input(const std::uint8_t *bytes, std::size_t size) : bytes_(bytes), size_(size) {}
-
-  std::int32_t between(std::int32_t low, std::int32_t high) {
-    const std::int32_t value = 256 * next() + next();
-    return low + value % (high - low + 1);
-  }
-  std::uint8_t next() {
-    if (size_ == 0) return 0;
-    --size_;
-    return *bytes_++;
-  }
-
- private:
-  const std::uint8_t *bytes_;
-  std::size_t size_;
-};
+using nox::fuzz::Input;
 
 struct MaskDeleter {
   void operator()(BitMask *mask) const { bitmask_free(mask); }

@@ -2,6 +2,8 @@
 #ifndef PENTRACKER_BLOB_LINKS_H_
 #define PENTRACKER_BLOB_LINKS_H_
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <memory>
 
@@ -10,6 +12,7 @@
 namespace nox::pentracker {
 
 class LinkIndex;
+class LinkScan;
 
 // The blobs of one frame, in list order.
 struct BlobSpan {
@@ -29,7 +32,13 @@ inline float product_with_inverse(float smaller, float inverse_of_larger) {
 
 // The sizes of a new blob, as every comparison with it needs them.
 struct BlobShape {
-  explicit BlobShape(const Blob &blob);
+  explicit BlobShape(const Blob &blob)
+      : count(static_cast<float>(blob.pixel_count)),
+        width(static_cast<float>(blob.width)),
+        height(static_cast<float>(blob.height)),
+        inverse_count(1.0F / count),
+        inverse_width(1.0F / width),
+        inverse_height(1.0F / height) {}
   float count, width, height;
   float inverse_count, inverse_width, inverse_height;
 };
@@ -46,16 +55,34 @@ inline float shape_score(float position, float count, float width, float height,
   return position * by_count * by_width * by_height;
 }
 
-// How much a blob's distance from where it was expected counts: falls from 1 by a twentieth per
+// How much a blob's distance from where it was expected counts: falls from 1 by kLossPerPixel per
 // pixel and stays at kFarPosition from 19 pixels on.
-inline constexpr float kFarPosition = static_cast<float>(1.0 - 0.95);
-float position_factor(float dx, float dy);
+inline constexpr float kLossPerPixel = 0.05F;
+inline constexpr double kHighestLoss = 0.95;
+inline constexpr float kFarPosition = static_cast<float>(1.0 - kHighestLoss);
+// Keeps lengths above 0, so that a direction can be had of a blob that stands still.
+inline constexpr float kTinyLength = 1e-25F;
+inline float position_factor(float dx, float dy) {
+  const float loss = (std::sqrt(dx * dx + dy * dy) + kTinyLength) * kLossPerPixel;
+  return static_cast<float>(1.0 - std::min(static_cast<double>(loss), kHighestLoss));
+}
 
 // How well `blob`, of the given shape, continues `earlier`: 0 to 1.
-float match_score(const Blob &earlier, const Blob &blob, const BlobShape &shape);
+inline float match_score(const Blob &earlier, const Blob &blob, const BlobShape &shape) {
+  const float position = earlier.previous == nullptr
+                             ? 1.0F
+                             : position_factor(earlier.predicted_x - blob.centre_x,
+                                               earlier.predicted_y - blob.centre_y);
+  return shape_score(position, static_cast<float>(earlier.pixel_count),
+                     static_cast<float>(earlier.width), static_cast<float>(earlier.height), shape);
+}
 
-// No match with a blob of `count` pixels scores higher than this.
-float highest_score(float count);
+// No match with a blob of `count` pixels, of which `inverse` is the inverse, scores higher.
+inline float highest_score(float count, float inverse) {
+  // Above this the ratio of neighbouring counts rounds too near to 1 to tell equal ones apart.
+  constexpr float kExactCounts = 4194304.0F;
+  return count <= kExactCounts ? product_with_inverse(count, inverse) : 1.0F;
+}
 
 // Collects the links that one new blob takes, each better than the one before, and writes them.
 class LinkTaker {
@@ -89,7 +116,8 @@ class BlobLinker {
   void link(BlobSpan earlier, BlobSpan current);
 
  private:
-  std::unique_ptr<LinkIndex> index_;
+  std::unique_ptr<LinkScan> scan_;    // for some blobs; made when they first come
+  std::unique_ptr<LinkIndex> index_;  // for many
 };
 
 }  // namespace nox::pentracker

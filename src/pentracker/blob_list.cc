@@ -1,14 +1,17 @@
 #include "pentracker/blob_list.h"
 
 #include <cmath>
-#include <new>
 
 #include "pentracker/blob_links.h"
+#include "pentracker/blob_memory.h"
 #include "pentracker/components.h"
 
 namespace {
 
 using nox::pentracker::BlobLinker;
+using nox::pentracker::BlobMemory;
+using nox::pentracker::Box;
+using nox::pentracker::Component;
 using nox::pentracker::Components;
 
 // A followed blob has a score only after this many links.
@@ -16,47 +19,46 @@ constexpr std::int32_t kHistoryLinks = kBlobHistory - 1;
 // A link below this is no continuation: the whole history counts for nothing.
 constexpr float kWeakestLink = 0.01F;
 
-// Makes the current slot's block hold `bytes`. Blocks are kept from round to round, because most
-// frames need about as much as the one before; one that has become far too large is given back.
-void reserve_slot(BlobList *list, std::size_t bytes) {
-  Blob *&block = list->history[list->history_index];
-  std::size_t &size = list->history_bytes[list->history_index];
-  constexpr std::size_t kSmall = 64 * 1024;
-  if (bytes <= size && (size <= kSmall || bytes >= size / 4)) return;
-  nox_aligned_free(block);
-  size = bytes + bytes / 16;
-  block = static_cast<Blob *>(nox_aligned_alloc(kNoxAlignment, size));
-}
-
-void set_geometry(Blob *blob) {
-  const auto span_x = static_cast<float>(blob->max_x - blob->min_x);
-  const auto span_y = static_cast<float>(blob->max_y - blob->min_y);
+void fill_blob(const BlobList *list, const Component &component, const BlobPixel *pixels,
+               Blob *blob) {
+  const Box &box = component.box;
+  const auto span_x = static_cast<float>(box.max_x - box.min_x);
+  const auto span_y = static_cast<float>(box.max_y - box.min_y);
+  *blob = Blob{};
+  blob->mask_width = list->width;
+  blob->mask_height = list->height;
+  blob->pixels = pixels + component.first_pixel;
+  blob->pixel_count = component.pixel_count;
+  blob->min_x = box.min_x;
+  blob->min_y = box.min_y;
+  blob->max_x = box.max_x;
+  blob->max_y = box.max_y;
   blob->width = static_cast<std::int32_t>(span_x + 1.0F);
   blob->height = static_cast<std::int32_t>(span_y + 1.0F);
-  blob->centre_x = span_x * 0.5F + static_cast<float>(blob->min_x);
-  blob->centre_y = span_y * 0.5F + static_cast<float>(blob->min_y);
+  blob->centre_x = span_x * 0.5F + static_cast<float>(box.min_x);
+  blob->centre_y = span_y * 0.5F + static_cast<float>(box.min_y);
 }
 
-// Builds the blobs that the filter keeps, records first and all their pixels behind.
-std::int32_t make_blobs(BlobList *list) {
-  const Components &components = *list->components;
-  const auto most = static_cast<std::size_t>(components.component_count());
-  reserve_slot(list, most * sizeof(Blob) + (components.pixel_count() + Components::kCollectSlack) *
-                                               sizeof(BlobPixel));
-  Blob *blobs = list->history[list->history_index];
-  auto *pixels = reinterpret_cast<BlobPixel *>(blobs + most);
+// The pixels of all components, also of those that the filter will drop, for the current slot.
+const BlobPixel *place_pixels(BlobList *list, bool changed, std::int32_t before) {
+  if (!changed) return list->memory->shared_pixels(list->history_index, before);
+  const Components &labelled = *list->components;
+  BlobPixel *pixels = list->memory->pixels(list->history_index, labelled.pixel_count());
+  labelled.write_pixels(pixels);
+  return pixels;
+}
+
+// Fills the current slot with the blobs that the filter keeps.
+std::int32_t make_blobs(BlobList *list, const BlobPixel *pixels) {
+  const auto &components = list->components->components();
+  Blob *blobs = list->memory->blobs(list->history_index, components.size());
+  list->history[list->history_index] = blobs;
   std::int32_t count = 0;
-  for (std::int32_t group = 0; group < components.group_count(); ++group) {
-    if (!components.is_component(group)) continue;
-    Blob *blob = new (blobs + count) Blob{};
+  for (const Component &component : components) {
+    Blob *blob = blobs + count;
+    fill_blob(list, component, pixels, blob);
     blob->index = count;
-    blob->mask_width = list->width;
-    blob->mask_height = list->height;
-    components.collect(group, pixels, blob);
-    set_geometry(blob);
-    if (list->filter != nullptr && list->filter(blob, list->filter_data) == 0) continue;
-    pixels += blob->pixel_count;
-    ++count;
+    if (list->filter == nullptr || list->filter(blob, list->filter_data) != 0) ++count;
   }
   return count;
 }
@@ -70,12 +72,13 @@ BlobList *blob_list_new(std::int32_t width, std::int32_t height) {
   list->history_length = kBlobHistory;
   list->components = new Components(width, height);
   list->linker = new BlobLinker;
+  list->memory = new BlobMemory;
   return list;
 }
 
 void blob_list_free(BlobList *list) {
   if (list == nullptr) return;
-  for (Blob *block : list->history) nox_aligned_free(block);
+  delete list->memory;
   delete list->linker;
   delete list->components;
   delete list;
@@ -87,11 +90,11 @@ void blob_list_set_filter(BlobList *list, BlobFilter filter, void *data) {
 }
 
 std::int32_t blob_list_label(BlobList *list, const BitMask *mask) {
-  list->components->label(mask);
+  const bool changed = list->components->label(mask);
   const std::int32_t before = list->history_index;
   list->history_index = (before + 1) % kBlobHistory;
   list->history_counts[list->history_index] = 0;
-  const std::int32_t count = make_blobs(list);
+  const std::int32_t count = make_blobs(list, place_pixels(list, changed, before));
   list->history_counts[list->history_index] = count;
   list->linker->link({list->history[before], list->history_counts[before]},
                      {list->history[list->history_index], count});

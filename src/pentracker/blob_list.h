@@ -11,6 +11,7 @@
 namespace nox::pentracker {
 class Components;
 class BlobLinker;
+class BlobMemory;
 }  // namespace nox::pentracker
 
 struct BlobPixel {
@@ -45,9 +46,8 @@ inline constexpr std::int32_t kBlobHistory = 30;
 
 struct BlobList {
   std::int32_t width, height;  // of the masks
-  // Blobs of the last frames, a ring. A slot is one block: the records, then their pixels.
+  // A ring: the blobs of the last frames.
   Blob *history[kBlobHistory];
-  std::size_t history_bytes[kBlobHistory];  // sizes of the blocks
   std::int32_t history_counts[kBlobHistory];
   std::int32_t history_index;  // slot of the current frame
   std::int32_t history_length;
@@ -55,6 +55,7 @@ struct BlobList {
   void *filter_data;
   nox::pentracker::Components *components;  // of the last call, those that the filter rejected too
   nox::pentracker::BlobLinker *linker;
+  nox::pentracker::BlobMemory *memory;  // of the blobs and pixels in the ring
 };
 
 // A list for masks of the given size, with an empty history; release it with blob_list_free.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 #include <limits>
 #include <utility>
 
@@ -11,16 +12,13 @@ namespace nox::pentracker {
 
 namespace {
 
-// Groups are written to a row a few pixels at a time; what spills over the end of a run is
-// overwritten by the next run or never looked at.
-constexpr std::int32_t kFillStep = 8;
+constexpr std::int32_t kNone = -1;
+constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t kRightOfPicture = kHighest;
 
-constexpr std::int32_t kRightOfPicture = std::numeric_limits<std::int32_t>::max();
-
-void fill_groups(std::int32_t *groups, std::int32_t begin, std::int32_t end, std::int32_t group) {
-  for (std::int32_t x = begin; x < end; x += kFillStep) {
-    for (std::int32_t i = 0; i < kFillStep; ++i) groups[x + i] = group;
-  }
+std::size_t at(std::int32_t i) {
+  return static_cast<std::size_t>(i);
 }
 
 // Appends the positions of the set bits to `out` and returns the new end.
@@ -29,11 +27,11 @@ std::int32_t *append_bits(std::int32_t *out, std::uint64_t bits, std::int32_t fi
   return out;
 }
 
-// Writes the pixels of one row four at a time, spilling over by up to Components::kCollectSlack.
-void write_pixels(BlobPixel *out, std::int32_t begin, std::int32_t end, std::int32_t y) {
-  for (std::int32_t x = begin; x < end; x += 4, out += 4) {
-    for (std::int32_t i = 0; i < 4; ++i) out[i] = {x + i, y};
-  }
+void extend(Box *box, const Box &other) {
+  box->min_x = std::min(box->min_x, other.min_x);
+  box->min_y = std::min(box->min_y, other.min_y);
+  box->max_x = std::max(box->max_x, other.max_x);
+  box->max_y = std::max(box->max_y, other.max_y);
 }
 
 }  // namespace
@@ -42,101 +40,165 @@ Components::Components(std::int32_t width, std::int32_t height) : width_(width),
   const std::size_t words = at(words_of(width));
   for (Row *row : {&above_, &row_}) {
     row->words.resize(words);
-    row->cuts.resize(words);
-    row->groups.resize(words * kWordBits + kFillStep);
+    row->begins.resize(words);
+    row->groups.resize(words * kWordBits);
   }
   for (auto *events : {&starts_, &ends_, &contacts_}) events->resize(words * kWordBits + 1);
 }
 
-void Components::label(const BitMask *mask) {
-  segment_count_ = group_count_ = merge_count_ = 0;
+bool Components::label(const BitMask *mask) {
+  if (!take_over(mask)) return false;
+  segment_count_ = group_count_ = 0;
   pixel_count_ = 0;
-  std::fill(above_.words.begin(), above_.words.end(), 0);
-  std::fill(above_.cuts.begin(), above_.cuts.end(), 0);
+  clear_above();
+  bool above_is_empty = true;
   for (std::int32_t y = 0; y < height_; ++y) {
-    load_row_words(mask, y, row_.words.data());
-    std::fill(row_.cuts.begin(), row_.cuts.end(), 0);
+    const std::uint8_t *row = mask->data + static_cast<std::ptrdiff_t>(y) * mask->stride;
+    if (!read_row(row, width_, row_.words.data())) {
+      if (!above_is_empty) clear_above();
+      above_is_empty = true;
+      continue;
+    }
     reserve_row();
-    find_events(words_of(width_));
+    find_events();
     scan_row(y);
     std::swap(above_, row_);
+    above_is_empty = false;
   }
+  list_components();
+  return true;
+}
+
+// Notes what the mask holds; false when it is what the last one held. The bytes behind the rows are
+// compared, too: where only they differ, the mask counts as changed and is labelled again.
+bool Components::take_over(const BitMask *mask) {
+  const auto size = at(mask->size);
+  if (last_mask_.size() == size && size != 0 &&
+      std::memcmp(last_mask_.data(), mask->block, size) == 0) {
+    return false;
+  }
+  last_mask_.assign(mask->block, mask->block + size);
+  return true;
+}
+
+void Components::clear_above() {
+  std::fill(above_.words.begin(), above_.words.end(), 0);
+  std::fill(above_.begins.begin(), above_.begins.end(), 0);
 }
 
 // Makes room for all that one row can add: a segment for each pixel, a group for every other one.
 void Components::reserve_row() {
-  const std::size_t pixels = at(width_);
-  if (segments_.size() < at(segment_count_) + pixels)
+  const std::size_t pixels = at(width_) + 1;
+  if (segments_.size() < at(segment_count_) + pixels) {
     segments_.resize(2 * segments_.size() + pixels);
+  }
   if (groups_.size() < at(group_count_) + pixels) {
     groups_.resize(2 * groups_.size() + pixels);
     parents_.resize(groups_.size());
   }
 }
 
-void Components::find_events(std::int32_t words) {
+void Components::find_events() {
   std::int32_t *start = starts_.data();
   std::int32_t *end = ends_.data();
   std::int32_t *contact = contacts_.data();
   std::uint64_t left = 0;          // the pixel left of this word, in bit 0
   std::uint64_t left_overlap = 0;  // the same of the pixels that are set in both rows
-  for (std::int32_t w = 0; w < words; ++w) {
+  const std::int32_t count = words_of(width_);
+  for (std::int32_t w = 0; w < count; ++w) {
     const std::uint64_t row = row_.words[at(w)];
-    const std::uint64_t overlap = row & above_.words[at(w)];
     const std::uint64_t shifted = row << 1 | left;
-    const std::uint64_t meets = overlap & (~(overlap << 1 | left_overlap) | above_.cuts[at(w)]);
+    row_.begins[at(w)] = row & ~shifted;
+    if ((row | left) == 0) continue;
+    const std::uint64_t overlap = row & above_.words[at(w)];
+    const std::uint64_t meets = overlap & (~(overlap << 1 | left_overlap) | above_.begins[at(w)]);
     start = append_bits(start, row & ~shifted, w * kWordBits);
     end = append_bits(end, ~row & shifted, w * kWordBits);
     contact = append_bits(contact, meets, w * kWordBits);
     left = row >> (kWordBits - 1);
     left_overlap = overlap >> (kWordBits - 1);
-    pixel_count_ += static_cast<std::size_t>(std::popcount(row));
   }
-  if (left != 0) *end++ = words * kWordBits;
+  if (left != 0) *end++ = count * kWordBits;
   *start = *contact = kRightOfPicture;
 }
 
+inline bool Components::Row::is_set(std::int32_t x) const {
+  return (words[at(x / kWordBits)] >> (x % kWordBits) & 1) != 0;
+}
+
+// The group of a set pixel.
+inline std::int32_t Components::Row::group_of(std::int32_t x) const {
+  const std::int32_t word = x / kWordBits;
+  // The word's begins up to x; without any, the segment came in from the left.
+  const std::uint64_t until = begins[at(word)] << (kWordBits - 1 - x % kWordBits);
+  const std::int32_t first = until != 0 ? x - std::countl_zero(until) : word * kWordBits;
+  return groups[at(first)];
+}
+
+// What the scan of a row works on, apart from the object: the compiler need not fear that writing a
+// group changes where the groups are.
+struct Components::RowScan {
+  std::int32_t *row_groups;
+  std::uint64_t *row_begins;
+  Group *groups;
+  PixelRun *segment;  // the next one to be written
+  std::int32_t y;
+
+  void add_segment(std::int32_t group, std::int32_t begin, std::int32_t end) {
+    *segment++ = {begin, end, y, group};
+    Group &owner = groups[group];
+    owner.pixel_count += end - begin;
+    owner.box.min_x = std::min(owner.box.min_x, begin);
+    owner.box.max_x = std::max(owner.box.max_x, end - 1);
+    owner.box.max_y = y;
+    row_groups[begin] = group;
+    for (std::int32_t x = (begin | (kWordBits - 1)) + 1; x < end; x += kWordBits) {
+      row_groups[x] = group;
+    }
+  }
+
+  // Ends the segment of `group` before x, where the run goes on in another group.
+  void cut(std::int32_t group, std::int32_t begin, std::int32_t x) {
+    add_segment(group, begin, x);
+    row_begins[x / kWordBits] |= std::uint64_t{1} << (x % kWordBits);
+  }
+};
+
 void Components::scan_row(std::int32_t y) {
+  RowScan scan{row_.groups.data(), row_.begins.data(), groups_.data(),
+               segments_.data() + segment_count_, y};
+  std::int32_t *const parents = parents_.data();
+  std::int32_t made = group_count_;
   const std::int32_t *contact = contacts_.data();
   const std::int32_t *end = ends_.data();
   for (const std::int32_t *start = starts_.data(); *start != kRightOfPicture; ++start, ++end) {
     // A run starts in the group above its first pixel or, without one, in a new group. The new one
     // is prepared in any case, which spares a branch that noise makes unpredictable.
-    const bool joins = *contact == *start;
-    groups_[at(group_count_)] = {segment_count_, segment_count_, kNone, group_count_};
-    parents_[at(group_count_)] = group_count_;
-    std::int32_t group = joins ? above_.groups[at(*start)] : group_count_;
-    group_count_ += joins ? 0 : 1;
-    contact += joins ? 1 : 0;
     std::int32_t begin = *start;
-    for (; *contact < *end; ++contact) group = pass_contact(group, *contact, y, &begin);
-    add_segment(group, begin, *end, y);
+    const bool joins = *contact == begin;
+    scan.groups[made] = {{begin, y, begin, y}, 0, kNone, made};
+    parents[made] = made;
+    std::int32_t group = joins ? above_.group_of(begin) : made;
+    made += joins ? 0 : 1;
+    contact += joins ? 1 : 0;
+    std::int32_t last = group;  // the group of the segment above that was met last
+    for (; *contact < *end; ++contact) {
+      const std::int32_t x = *contact;
+      const std::int32_t other = above_.group_of(x);
+      // Two segments that touch in the row above are of one component already.
+      const bool known = last == group && above_.is_set(x - 1);
+      last = other;
+      if (other == group) continue;
+      if (!known) merge(std::min(group, other), std::max(group, other));
+      if (other > group) continue;
+      scan.cut(group, begin, x);
+      begin = x;
+      group = other;
+    }
+    scan.add_segment(group, begin, *end);
   }
-}
-
-// At pixel x the run, until here in `group`, has a segment of the row above over it. Returns the
-// group in which it goes on; where that is another one, the segment from `begin` ends before x.
-inline std::int32_t Components::pass_contact(std::int32_t group, std::int32_t x, std::int32_t y,
-                                             std::int32_t *begin) {
-  const std::int32_t above = above_.groups[at(x)];
-  if (above == group) return group;
-  merge(std::min(group, above), std::max(group, above));
-  if (above > group) return group;
-  add_segment(group, *begin, x, y);
-  row_.cuts[at(x / kWordBits)] |= std::uint64_t{1} << (x % kWordBits);
-  *begin = x;
-  return above;
-}
-
-inline void Components::add_segment(std::int32_t group, std::int32_t begin, std::int32_t end,
-                                    std::int32_t y) {
-  Group &owner = groups_[at(group)];
-  // A new group names its first segment as its last one already: the link written here is
-  // overwritten by the segment itself.
-  segments_[at(owner.last)].next = segment_count_;
-  segments_[at(segment_count_)] = {begin, end, y, kNone};
-  owner.last = segment_count_++;
-  fill_groups(row_.groups.data(), begin, end, group);
+  group_count_ = made;
+  segment_count_ = static_cast<std::int32_t>(scan.segment - segments_.data());
 }
 
 inline std::int32_t Components::root(std::int32_t group) {
@@ -155,32 +217,41 @@ inline void Components::merge(std::int32_t small, std::int32_t large) {
   parents_[at(absorbed)] = kept;
   groups_[at(groups_[at(kept)].last_merged)].next_merged = absorbed;
   groups_[at(kept)].last_merged = groups_[at(absorbed)].last_merged;
-  ++merge_count_;
 }
 
-void Components::collect(std::int32_t component, BlobPixel *pixels, Blob *blob) const {
-  BlobPixel *out = pixels;
-  std::int32_t min_x = std::numeric_limits<std::int32_t>::max();
-  std::int32_t min_y = min_x;
-  std::int32_t max_x = std::numeric_limits<std::int32_t>::min();
-  std::int32_t max_y = max_x;
-  for (std::int32_t g = component; g != kNone; g = groups_[at(g)].next_merged) {
-    for (std::int32_t s = groups_[at(g)].first; s != kNone; s = segments_[at(s)].next) {
-      const Segment &segment = segments_[at(s)];
-      write_pixels(out, segment.begin, segment.end, segment.y);
-      out += segment.end - segment.begin;
-      min_x = std::min(min_x, segment.begin);
-      max_x = std::max(max_x, segment.end - 1);
-      min_y = std::min(min_y, segment.y);
-      max_y = std::max(max_y, segment.y);
-    }
+void Components::list_components() {
+  components_.resize(at(group_count_));
+  std::size_t count = 0;
+  for (std::int32_t group = 0; group < group_count_; ++group) {
+    components_[count].id = group;
+    count += parents_[at(group)] == group ? 1 : 0;
   }
-  blob->pixels = pixels;
-  blob->pixel_count = static_cast<std::int32_t>(out - pixels);
-  blob->min_x = min_x;
-  blob->min_y = min_y;
-  blob->max_x = max_x;
-  blob->max_y = max_y;
+  components_.resize(count);
+  first_pixels_.resize(at(group_count_));
+  for (Component &component : components_) complete(&component);
+}
+
+// Gives the pixels of each group of the component their place.
+void Components::complete(Component *component) {
+  const Group *group = &groups_[at(component->id)];
+  Box box = group->box;
+  auto pixel = static_cast<std::int32_t>(pixel_count_);
+  component->first_pixel = first_pixels_[at(component->id)] = pixel;
+  pixel += group->pixel_count;
+  while (group->next_merged != kNone) {
+    first_pixels_[at(group->next_merged)] = pixel;
+    group = &groups_[at(group->next_merged)];
+    pixel += group->pixel_count;
+    extend(&box, group->box);
+  }
+  component->box = box;
+  component->pixel_count = pixel - component->first_pixel;
+  pixel_count_ = at(pixel);
+}
+
+void Components::write_pixels(BlobPixel *pixels) const {
+  std::vector<std::int32_t> next = first_pixels_;
+  write_pixel_runs(segments_.data(), segment_count_, pixel_count_, next.data(), pixels);
 }
 
 }  // namespace nox::pentracker

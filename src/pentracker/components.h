@@ -8,8 +8,20 @@
 
 #include "masks/bitmask.h"
 #include "pentracker/blob_list.h"
+#include "pentracker/pixel_run_kernels.h"
 
 namespace nox::pentracker {
+
+struct Box {
+  std::int32_t min_x, min_y, max_x, max_y;  // inclusive
+};
+
+struct Component {
+  std::int32_t id;
+  std::int32_t first_pixel;  // among the pixels of all components
+  std::int32_t pixel_count;
+  Box box;
+};
 
 // Scanning row by row and left to right, a pixel joins the group of the pixel above it or left of
 // it; a pixel with neither starts a new group, and groups are numbered in that order. A pixel
@@ -25,61 +37,59 @@ class Components {
  public:
   Components(std::int32_t width, std::int32_t height);
 
-  void label(const BitMask *mask);
+  // Returns whether anything has changed. A mask that is the same as the last one keeps its
+  // components, at the price of comparing the two.
+  bool label(const BitMask *mask);
 
-  // Numbers of all groups ever made by the last call: 0 to group_count() - 1. Those for which
-  // is_component() holds are the components; the others were merged into them.
-  std::int32_t group_count() const { return group_count_; }
-  bool is_component(std::int32_t group) const { return parents_[at(group)] == group; }
-  std::int32_t component_count() const { return group_count_ - merge_count_; }
+  // The components of the last mask, by rising id.
+  const std::vector<Component> &components() const { return components_; }
   std::size_t pixel_count() const { return pixel_count_; }  // of all components together
 
-  // What collect() writes past the last pixel of a component, at most.
-  static constexpr std::size_t kCollectSlack = 3;
-
-  // Writes the pixels of a component to `pixels` and sets the blob's pixel count and bounding box.
-  void collect(std::int32_t component, BlobPixel *pixels, Blob *blob) const;
+  // Writes the pixels of all components, one component after the other.
+  void write_pixels(BlobPixel *pixels) const;
 
  private:
-  // Consecutive pixels of one row that joined one group.
-  struct Segment {
-    std::int32_t begin, end, y;
-    std::int32_t next;  // the group's next one; kNone at its last
-  };
+  struct RowScan;
   struct Group {
-    std::int32_t first, last;               // its segments
+    Box box;
+    std::int32_t pixel_count;
     std::int32_t next_merged, last_merged;  // the chain of groups that a root has taken in
   };
-  // One row: words of pixels, and the group of each set pixel.
+  // What is known of a row that was scanned.
   struct Row {
-    std::vector<std::uint64_t> words;
-    std::vector<std::uint64_t> cuts;  // pixels at which the group changes within a run
+    std::vector<std::uint64_t> words;   // the pixels
+    std::vector<std::uint64_t> begins;  // those at which a segment begins
+    // The group of a segment, kept at its first pixel and at the first of each word it reaches
+    // into.
     std::vector<std::int32_t> groups;
-  };
-  static constexpr std::int32_t kNone = -1;
 
-  static std::size_t at(std::int32_t i) { return static_cast<std::size_t>(i); }
+    bool is_set(std::int32_t x) const;
+    std::int32_t group_of(std::int32_t x) const;
+  };
 
   void reserve_row();
-  void find_events(std::int32_t words);
+  bool take_over(const BitMask *mask);
+  void clear_above();
+  void find_events();
   void scan_row(std::int32_t y);
-  std::int32_t pass_contact(std::int32_t group, std::int32_t x, std::int32_t y,
-                            std::int32_t *begin);
-  void add_segment(std::int32_t group, std::int32_t begin, std::int32_t end, std::int32_t y);
   std::int32_t root(std::int32_t group);
   void merge(std::int32_t small, std::int32_t large);
+  void list_components();
+  void complete(Component *component);
 
   std::int32_t width_, height_;
+  std::vector<std::uint8_t> last_mask_;  // all bytes of its block; empty before the first
   Row above_, row_;
   // Events of the current row, left to right: where runs start and end, and where a run meets
   // another segment of the row above. Each list is closed by a value right of the picture.
   std::vector<std::int32_t> starts_, ends_, contacts_;
-  std::vector<Segment> segments_;
+  std::vector<PixelRun> segments_;  // each a run, or the part of one that joined one group
   std::vector<Group> groups_;
   std::vector<std::int32_t> parents_;
+  std::vector<std::int32_t> first_pixels_;  // of each group, among the pixels of all components
+  std::vector<Component> components_;
   std::int32_t segment_count_ = 0;
   std::int32_t group_count_ = 0;
-  std::int32_t merge_count_ = 0;
   std::size_t pixel_count_ = 0;
 };
 

@@ -29,17 +29,6 @@ void print_bits(std::uint32_t word, int bits) {
   print("\n");
 }
 
-void print_component(const nox::pentracker::Components &components, std::int32_t id,
-                     std::vector<BlobPixel> *room) {
-  Blob blob{};
-  components.collect(id, room->data(), &blob);
-  print("\nBlob %d: ", id);
-  for (std::int32_t i = 0; i < blob.pixel_count; ++i) {
-    print("%dx%d, ", blob.pixels[i].x, blob.pixels[i].y);
-  }
-  print("\n");
-}
-
 }  // namespace
 
 void dump_mask(const BitMask *mask) {
@@ -55,10 +44,16 @@ void dump_mask(const BitMask *mask) {
 }
 
 void dump_components(const BlobList *list) {
-  const nox::pentracker::Components &components = *list->components;
-  std::vector<BlobPixel> room(components.pixel_count() + components.kCollectSlack);
-  for (std::int32_t id = 0; id < components.group_count(); ++id) {
-    if (components.is_component(id)) print_component(components, id, &room);
+  const nox::pentracker::Components &labelled = *list->components;
+  std::vector<BlobPixel> pixels(labelled.pixel_count());
+  labelled.write_pixels(pixels.data());
+  const BlobPixel *pixel = pixels.data();
+  for (const auto &component : labelled.components()) {
+    print("\nBlob %d: ", component.id);
+    for (std::int32_t i = 0; i < component.pixel_count; ++i, ++pixel) {
+      print("%dx%d, ", pixel->x, pixel->y);
+    }
+    print("\n");
   }
 }
 

@@ -43,7 +43,7 @@ void LinkIndex::link(Blob *blob) {
 }
 
 std::int32_t LinkIndex::try_first(const Blob &blob, const BlobShape &shape, LinkTaker *taker) {
-  const float highest = highest_score(shape.count);
+  const float highest = highest_score(shape.count, shape.inverse_count);
   std::int32_t index = next_open(0);
   for (int tries = 0; tries < kFirstTries && index < earlier_.count; ++tries) {
     const Blob &candidate = earlier_.blobs[index];
@@ -91,7 +91,8 @@ void LinkIndex::build() {
 }
 
 bool LinkIndex::is_closed(std::int32_t index, float score) const {
-  return score >= highest_score(static_cast<float>(earlier_.blobs[index].pixel_count));
+  const auto count = static_cast<float>(earlier_.blobs[index].pixel_count);
+  return score >= highest_score(count, 1.0F / count);
 }
 
 // The first open blob at `index` or behind it; the list's length when there is none.

@@ -3,11 +3,8 @@
 #define PENTRACKER_MASK_RUNS_H_
 
 #include <bit>
-#include <cstddef>
 #include <cstdint>
 #include <cstring>
-
-#include "masks/bitmask.h"
 
 namespace nox::pentracker {
 
@@ -19,14 +16,21 @@ inline std::int32_t words_of(std::int32_t bits) {
   return (bits + kWordBits - 1) / kWordBits;
 }
 
-// Copies row `y` to `words`, which has room for words_of(mask->width), and clears what is stored
-// right of the last column.
-inline void load_row_words(const BitMask *mask, std::int32_t y, std::uint64_t *words) {
-  const std::int32_t count = words_of(mask->width);
-  const std::uint8_t *row = mask->data + static_cast<std::ptrdiff_t>(y) * mask->stride;
-  std::memcpy(words, row, static_cast<std::size_t>(count) * sizeof(*words));
-  const std::int32_t spare = count * kWordBits - mask->width;
-  if (spare != 0) words[count - 1] &= ~std::uint64_t{0} >> spare;
+// Reads the words_of(width) words of a row, whose first byte is `row`, into `words`; what is stored
+// right of the last column becomes 0. Returns whether any pixel is set.
+inline bool read_row(const std::uint8_t *row, std::int32_t width, std::uint64_t *words) {
+  const std::int32_t whole = width / kWordBits;
+  std::uint64_t any = 0;
+  for (std::int32_t i = 0; i < whole; ++i) {
+    std::memcpy(words + i, row + i * 8, sizeof(*words));
+    any |= words[i];
+  }
+  if (width % kWordBits != 0) {
+    std::memcpy(words + whole, row + whole * 8, sizeof(*words));
+    words[whole] &= (std::uint64_t{1} << (width % kWordBits)) - 1;
+    any |= words[whole];
+  }
+  return any != 0;
 }
 
 }  // namespace nox::pentracker

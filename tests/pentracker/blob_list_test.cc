@@ -58,10 +58,10 @@ void compare_sequence(const MaskPattern &pattern, Area area, std::int32_t frames
 class EveryPattern : public testing::TestWithParam<MaskPattern> {};
 
 TEST_P(EveryPattern, MatchesThePlainReferenceFor100Frames) {
-  const std::int32_t frames = nox::test::quick() ? 35 : 100;
+  if (nox::test::quick()) return compare_sequence(GetParam(), {65, 12}, 33, 1);
   std::uint64_t seed = 1;
   for (const Area area : {Area{64, 24}, {65, 31}, {37, 40}, {128, 20}}) {
-    compare_sequence(GetParam(), area, frames, seed++);
+    compare_sequence(GetParam(), area, 100, seed++);
   }
 }
 
@@ -69,12 +69,13 @@ TEST_P(EveryPattern, MatchesThePlainReferenceAtTinyAndOddSizes) {
   std::uint64_t seed = 100;
   for (const Area area :
        {Area{1, 1}, {1, 9}, {9, 1}, {2, 2}, {3, 63}, {63, 3}, {64, 1}, {127, 2}}) {
-    compare_sequence(GetParam(), area, 40, seed++);
+    compare_sequence(GetParam(), area, nox::test::quick() ? 3 : 40, seed++);
   }
 }
 
 TEST_P(EveryPattern, MatchesThePlainReferenceWithThousandsOfBlobs) {
-  compare_sequence(GetParam(), {192, 108}, nox::test::quick() ? 2 : 5, 7);
+  const Area area = nox::test::quick() ? Area{130, 30} : Area{192, 108};
+  compare_sequence(GetParam(), area, nox::test::quick() ? 2 : 5, 7);
 }
 
 INSTANTIATE_TEST_SUITE_P(Patterns, EveryPattern, testing::ValuesIn(mask_patterns()),

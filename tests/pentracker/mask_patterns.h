@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,11 @@ struct MaskPattern {
                         Random *random)>
       make;
 };
+
+// How a failing test shows its pattern.
+inline void PrintTo(const MaskPattern &pattern, std::ostream *out) {
+  *out << pattern.name;
+}
 
 const std::vector<MaskPattern> &mask_patterns();
 
