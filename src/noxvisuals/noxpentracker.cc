@@ -208,8 +208,8 @@ static void nox_pen_tracker_init(NoxPenTracker *self) {
   self->srcpad = new_proxy_pad(&src_template, "src");
   gst_element_add_pad(GST_ELEMENT(self), self->srcpad);
   self->sinkpad = new_proxy_pad(&sink_template, "sink");
-  gst_pad_set_event_function(self->sinkpad, nox_pen_tracker_sink_event);
-  gst_pad_set_chain_function(self->sinkpad, nox_pen_tracker_chain);
+  gst_pad_set_event_function(self->sinkpad, GST_DEBUG_FUNCPTR(nox_pen_tracker_sink_event));
+  gst_pad_set_chain_function(self->sinkpad, GST_DEBUG_FUNCPTR(nox_pen_tracker_chain));
   gst_element_add_pad(GST_ELEMENT(self), self->sinkpad);
   self->tracker = pen_tracker_new();
 }
