@@ -27,22 +27,24 @@ ScalerSize reduced(ScalerSize size, std::int32_t halvings) {
   return {(size.width >> halvings) & ~1, (size.height >> halvings) & ~1};
 }
 
-void build(FilterRecord *record, const Scaler &scaler, const FilterChoice &choice) {
+FilterRecord make_record(const Scaler &scaler, const FilterChoice &choice) {
   const ScalerSize in = reduced(stored_in(scaler), choice.halvings);
   const ScalerSize out = stored_out(scaler);
-  record->coefficients = make_filter_coefficients(choice.ratio, choice.taps, choice.kernel);
-  record->halvings = choice.halvings;
-  record->positions = make_position_tables(in, out, choice.taps);
-  record->row_kernel = box_kernels().reduce_row[choice.halvings];
-  record->half_stride =
+  FilterRecord record = {};
+  record.coefficients = make_filter_coefficients(choice.ratio, choice.taps, choice.kernel);
+  record.halvings = choice.halvings;
+  record.positions = make_position_tables(in, out, choice.taps);
+  record.row_kernel = box_kernels().reduce_row[choice.halvings];
+  record.half_stride =
       (static_cast<std::size_t>(in.width) + kHalfAlignment - 1) & ~(kHalfAlignment - 1);
-  const std::size_t bytes = choice.halvings == 0 ? 0 : kReducedLines * record->half_stride;
-  record->half_buffer = make_aligned_bytes(kHalfAlignment, bytes);
-  const PositionTables &all = record->positions;
-  record->full_filter = make_plane_filter(record->coefficients, all.columns, all.rows);
-  record->half_filter = make_plane_filter(record->coefficients, all.half_columns, all.half_rows);
-  const bool vectors = record->full_filter && record->half_filter;
-  record->scratch.resize(vectors ? 0 : indexed_filter_words(out.width));
+  const std::size_t bytes = choice.halvings == 0 ? 0 : kReducedLines * record.half_stride;
+  record.half_buffer = make_aligned_bytes(kHalfAlignment, bytes);
+  const PositionTables &all = record.positions;
+  record.full_filter = make_plane_filter(record.coefficients, all.columns, all.rows);
+  record.half_filter = make_plane_filter(record.coefficients, all.half_columns, all.half_rows);
+  const bool vectors = record.full_filter && record.half_filter;
+  record.scratch.resize(vectors ? 0 : indexed_filter_words(out.width));
+  return record;
 }
 
 FilterRecord *record_of(const Scaler &scaler) {
@@ -94,7 +96,7 @@ int filter_record_init(Scaler *scaler, const FilterChoice &choice) {
 int filter_record_reinit(Scaler *scaler, const FilterChoice &choice) try {
   FilterRecord *record = record_of(*scaler);
   if (record == nullptr) return 0;
-  build(record, *scaler, choice);
+  *record = make_record(*scaler, choice);  // complete, or as it was
   return 1;
 } catch (const std::bad_alloc &) {
   return 0;

@@ -43,7 +43,7 @@ struct FilterRecord {
 int filter_record_init(Scaler *scaler, const FilterChoice &choice);
 
 // Rebuilds everything in the record that the Scaler has, for the sizes that are in it now. Returns
-// 0 when there is no record or no memory.
+// 1, or 0 when there is no record or no memory, and then nothing has changed.
 int filter_record_reinit(Scaler *scaler, const FilterChoice &choice);
 
 // Releases the record; does nothing without one.

@@ -1,12 +1,11 @@
 #include "scaler/plane_filter.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace nox::scaler {
 namespace {
 
-constexpr std::int32_t kSlots = 8;  // rows of pairs kept: kMaxPairs and a power of two
+constexpr std::int32_t kSlots = 8;  // rows of pairs kept: at least kMaxPairs, and a power of two
 
 }  // namespace
 
@@ -51,7 +50,7 @@ void run_plane_filter(PlaneFilter &filter, ReducedRows &src, const DestinationPl
       // Below the last row the weight is 0, and any row will do.
       const std::uint8_t *upper = src.row(2 * pair, 0);
       const std::uint8_t *lower = 2 * pair < filter.last_row ? src.row(2 * pair + 1, 1) : upper;
-      src.prefetch.advance(0);
+      src.prefetch.advance(0);  // spread over the passes
       filter.filter_rows(filter.columns, upper, lower, slot(pair));
       next_pair = pair + 1;
     }

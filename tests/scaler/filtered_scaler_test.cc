@@ -212,9 +212,8 @@ TEST_P(FilteredScaler, AReducedSideOfNoSamplesWritesNothing) {
 }
 
 TEST_P(FilteredScaler, SidesBeyond65536Wrap) {
-  if (nox::test::quick()) return;
   expect_plane({70000, 3, 4000, 2}, Content::kNoise, 0);
-  expect_plane({8, 65600, 8, 65000}, Content::kNoise, 0);
+  if (!nox::test::quick()) expect_plane({8, 65600, 8, 65000}, Content::kNoise, 0);
 }
 
 TEST(FilteredScalerFrames, PlanesThatDoNotFitTheSelectionAreLeftAlone) {

@@ -7,6 +7,7 @@
 
 #include "scaler/frame_fixture.h"
 #include "scaler/scaler_plain.h"
+#include "support/quick.h"
 #include "support/random.h"
 
 namespace {
@@ -148,7 +149,8 @@ TEST(ScalerSelect, SizesThatAreNotPositiveAreRefused) {
 
 TEST(ScalerSelect, RandomSizesMatchTheRules) {
   nox::test::Random random(41);
-  for (int i = 0; i < 2000; ++i) {
+  const int count = nox::test::quick() ? 150 : 2000;
+  for (int i = 0; i < count; ++i) {
     const int step = random.chance(0.8) ? 8 : 1;
     const ScalerSize out = {step * random.between(-1, 6), step * random.between(-1, 6)};
     const ScalerSize in = {random.chance(0.3) ? 2 * out.width : random.between(-1, 200),
