@@ -10,7 +10,9 @@
 namespace nox::vectorizer {
 
 // Counters from 0 to a limit N that answer for a history of masks without keeping it. They are
-// bit-sliced, one bit-plane per binary digit, so that a step is a few operations on whole words.
+// bit-sliced, one bit-plane per binary digit, so that a step is a few operations on whole words;
+// and where nothing changes any more, as without edges or on a still picture, there is hardly a
+// step.
 class MaskCounters {
  public:
   enum class Question {
@@ -32,12 +34,14 @@ class MaskCounters {
   void step(std::int32_t y, const BitRows &bits);
 
  private:
-  std::size_t rows_words(std::int32_t rows) const;
+  std::size_t planes_words(std::int32_t rows) const;
+  std::size_t blocks(std::int32_t rows) const;
 
   std::int32_t limit_;
   Question question_;
   std::size_t row_words_;
   std::uint64_t *planes_;  // owned
+  std::uint8_t *settled_;  // owned; for each block of kBlockWords words of a row
 };
 
 }  // namespace nox::vectorizer

@@ -20,7 +20,12 @@ inline constexpr int counter_planes(std::int32_t limit) {
 // Each counter goes up by one where its bit is set, and stays at `limit`; it falls to 0 where its
 // bit is not set. Then the bit becomes whether the counter is at `limit`. With `inverted` the bits
 // are taken and given the other way round: 0 for set.
-void count_runs(std::uint64_t *planes, std::int32_t limit, bool inverted, const BitRows &bits);
+//
+// `settled` has a byte for each block of kBlockWords words, row by row: nonzero only if all
+// counters of the block are 0 or at the limit. As long as such a block gets the same bits it stays
+// as it is, and of its planes only one is read.
+void count_runs(std::uint64_t *planes, std::uint8_t *settled, std::int32_t limit, bool inverted,
+                const BitRows &bits);
 
 }  // namespace nox::vectorizer
 
