@@ -1,5 +1,6 @@
 // Any pair of sizes, any strides and any number of planes: a selection and a frame through it. The
-// planes are blocks of exactly the bytes that they need, so that the sanitizers see every stray one.
+// planes are blocks of exactly the bytes that they need, so that the sanitizers see every stray
+// one.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
