@@ -11,8 +11,7 @@
 //
 // - with masks: mask_ring_next gives the slot for the next frame's mask, mask_ring_and and
 //   mask_ring_or walk all slots. Memory and time grow with the capacity.
-// - compactly: mask_ring_feed_and or mask_ring_feed_or takes a frame's mask and answers at once,
-// from
+// - compactly: mask_ring_feed_and or mask_ring_feed_or takes a frame's mask and answers at once, by
 //   a counter per pixel in place of the masks. The answers are those of a ring fed with the same
 //   masks; no slot is ever filled.
 //
