@@ -3,15 +3,14 @@
 #include <algorithm>
 #include <cmath>
 
-#include "pentracker/link_index.h"
-#include "pentracker/link_scan.h"
+#include "pentracker/crowd_linker.h"
 
 namespace nox::pentracker {
 
 namespace {
 
-// Up to this many earlier blobs a look at all of them takes less time than an index.
-constexpr std::int32_t kScanLimit = 4096;
+// Up to this many earlier blobs, a walk over all of them takes less time than to sort them.
+constexpr std::int32_t kFew = 16;
 
 float step_length(const Blob &from, const Blob &to) {
   const float dx = from.centre_x - to.centre_x;
@@ -19,11 +18,14 @@ float step_length(const Blob &from, const Blob &to) {
   return std::sqrt(dx * dx + dy * dy) + kTinyLength;
 }
 
-template <typename Method>
-void link_all(std::unique_ptr<Method> *method, BlobSpan earlier, BlobSpan current) {
-  if (*method == nullptr) *method = std::make_unique<Method>();
-  (*method)->start(earlier);
-  for (std::int32_t i = 0; i < current.count; ++i) (*method)->link(current.blobs + i);
+void walk_all(BlobSpan earlier, Blob *blob) {
+  const LinkQuery query(*blob);
+  LinkTaker taker(blob);
+  for (Blob *candidate = earlier.blobs; candidate != earlier.blobs + earlier.count; ++candidate) {
+    const float score = match_score(*candidate, query);
+    if (taker.wants(*candidate, score)) taker.take(candidate, score);
+  }
+  taker.finish();
 }
 
 }  // namespace
@@ -57,11 +59,14 @@ BlobLinker::~BlobLinker() = default;
 
 void BlobLinker::link(BlobSpan earlier, BlobSpan current) {
   if (earlier.count == 0 || current.count == 0) return;
-  if (earlier.count <= kScanLimit) {
-    link_all(&scan_, earlier, current);
-  } else {
-    link_all(&index_, earlier, current);
+  Blob *const end = current.blobs + current.count;
+  if (earlier.count <= kFew) {
+    for (Blob *blob = current.blobs; blob != end; ++blob) walk_all(earlier, blob);
+    return;
   }
+  if (crowd_ == nullptr) crowd_ = std::make_unique<CrowdLinker>();
+  crowd_->start(earlier);
+  for (Blob *blob = current.blobs; blob != end; ++blob) crowd_->link(blob);
 }
 
 }  // namespace nox::pentracker

@@ -11,9 +11,6 @@
 
 namespace nox::pentracker {
 
-class LinkIndex;
-class LinkScan;
-
 // The blobs of one frame, in list order.
 struct BlobSpan {
   Blob *blobs;
@@ -67,14 +64,22 @@ inline float position_factor(float dx, float dy) {
   return static_cast<float>(1.0 - std::min(static_cast<double>(loss), kHighestLoss));
 }
 
-// How well `blob`, of the given shape, continues `earlier`: 0 to 1.
-inline float match_score(const Blob &earlier, const Blob &blob, const BlobShape &shape) {
-  const float position = earlier.previous == nullptr
-                             ? 1.0F
-                             : position_factor(earlier.predicted_x - blob.centre_x,
-                                               earlier.predicted_y - blob.centre_y);
+// What a new blob brings to every comparison.
+struct LinkQuery {
+  explicit LinkQuery(const Blob &blob) : x(blob.centre_x), y(blob.centre_y), shape(blob) {}
+  float x, y;
+  BlobShape shape;
+};
+
+// How well the new blob continues `earlier`: 0 to 1.
+inline float match_score(const Blob &earlier, const LinkQuery &query) {
+  const float position =
+      earlier.previous == nullptr
+          ? 1.0F
+          : position_factor(earlier.predicted_x - query.x, earlier.predicted_y - query.y);
   return shape_score(position, static_cast<float>(earlier.pixel_count),
-                     static_cast<float>(earlier.width), static_cast<float>(earlier.height), shape);
+                     static_cast<float>(earlier.width), static_cast<float>(earlier.height),
+                     query.shape);
 }
 
 // No match with a blob of `count` pixels, of which `inverse` is the inverse, scores higher.
@@ -102,6 +107,8 @@ class LinkTaker {
   Blob *last_followed_ = nullptr;  // the last one taken that had a previous itself
 };
 
+class CrowdLinker;
+
 // Links frame after frame; keeps its working memory.
 class BlobLinker {
  public:
@@ -116,8 +123,7 @@ class BlobLinker {
   void link(BlobSpan earlier, BlobSpan current);
 
  private:
-  std::unique_ptr<LinkScan> scan_;    // for some blobs; made when they first come
-  std::unique_ptr<LinkIndex> index_;  // for many
+  std::unique_ptr<CrowdLinker> crowd_;  // for many blobs; made when they first come
 };
 
 }  // namespace nox::pentracker

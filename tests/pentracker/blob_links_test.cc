@@ -14,17 +14,16 @@
 
 #include "hwy/tests/hwy_gtest.h"
 #include "pentracker/blob_list_plain.h"
-#include "pentracker/link_index.h"
-#include "pentracker/link_scan.h"
+#include "pentracker/crowd_linker.h"
 #include "support/quick.h"
 #include "support/random.h"
 
 namespace nox::test {
 namespace {
 
+using pentracker::BlobLinker;
 using pentracker::BlobSpan;
-using pentracker::LinkIndex;
-using pentracker::LinkScan;
+using pentracker::CrowdLinker;
 
 constexpr std::int32_t kWidth = 448;
 constexpr std::int32_t kHeight = 252;
@@ -39,10 +38,11 @@ struct Crowd {
 };
 
 constexpr Crowd kCrowds[] = {
-    {"dots", 300, 900, 1, 448, true},      {"small", 200, 700, 3, 448, false},
-    {"shapes", 200, 500, 40, 448, false},  {"clustered", 200, 500, 4, 30, false},
-    {"on_one_spot", 100, 300, 2, 1, true}, {"changing_numbers", 0, 900, 5, 448, false},
-    {"few", 1, 4, 20, 200, false},
+    {"dots", 300, 900, 1, 448, true},        {"small", 200, 700, 3, 448, false},
+    {"shapes", 200, 500, 40, 448, false},    {"clustered", 200, 500, 4, 30, false},
+    {"on_one_spot", 100, 300, 2, 1, true},   {"changing_numbers", 0, 900, 5, 448, false},
+    {"few", 1, 4, 20, 200, false},           {"some", 5, 40, 9, 300, false},
+    {"thousands", 900, 1500, 9, 448, false},
 };
 
 // The blobs of one frame twice: for the method at hand and for the plain walk.
@@ -133,44 +133,50 @@ void expect_same_links(const Frame &frame) {
   }
 }
 
-// Links with `Method` what came out of the frame before, and the same plainly.
-template <typename Method>
-void link_frame(Method *method, Frame *before, Frame *frame) {
+// Links with `link` what came out of the frame before, and the same plainly.
+template <typename Link>
+void link_frame(const Link &link, Frame *before, Frame *frame) {
   std::vector<PlainBlob *> plain_earlier;
   for (PlainBlob &blob : before->plain) plain_earlier.push_back(&blob);
-  method->start(BlobSpan{before->blobs.data(), static_cast<std::int32_t>(before->blobs.size())});
-  for (Blob &blob : frame->blobs) method->link(&blob);
+  link(BlobSpan{before->blobs.data(), static_cast<std::int32_t>(before->blobs.size())},
+       BlobSpan{frame->blobs.data(), static_cast<std::int32_t>(frame->blobs.size())});
   for (PlainBlob &blob : frame->plain) plain_link(&blob, plain_earlier);
 }
 
-template <typename Method>
-void run(const Crowd &crowd, std::uint64_t seed) {
+template <typename Link>
+void run(const Crowd &crowd, std::uint64_t seed, const Link &link) {
   SCOPED_TRACE(std::string(crowd.name) + ", seed " + std::to_string(seed));
   Random random(seed);
-  Method method;
   std::deque<Frame> frames;  // all stay alive, since their blobs point to each other
   frames.push_back(make_frame(crowd, {}, &random));
   for (int i = 0; i < (quick() ? 3 : 12); ++i) {
     Frame &before = frames.back();
     Frame &frame = frames.emplace_back(make_frame(crowd, before, &random));
-    if (!before.blobs.empty()) link_frame(&method, &before, &frame);
+    if (!before.blobs.empty()) link_frame(link, &before, &frame);
     ASSERT_NO_FATAL_FAILURE(expect_same_links(before)) << "frame before " << i;
     ASSERT_NO_FATAL_FAILURE(expect_same_links(frame)) << "frame " << i;
   }
 }
 
-class LinkScanTest : public hwy::TestWithParamTarget {};
+class CrowdLinkerTest : public hwy::TestWithParamTarget {};
 
-HWY_TARGET_INSTANTIATE_TEST_SUITE_P(LinkScanTest);
+HWY_TARGET_INSTANTIATE_TEST_SUITE_P(CrowdLinkerTest);
 
-TEST_P(LinkScanTest, GivesTheLinksOfTheWalkOverAll) {
-  for (const Crowd &crowd : kCrowds) run<LinkScan>(crowd, 1);
+TEST_P(CrowdLinkerTest, GivesTheLinksOfTheWalkOverAll) {
+  CrowdLinker linker;
+  const auto link = [&](BlobSpan earlier, BlobSpan current) {
+    linker.start(earlier);
+    for (std::int32_t i = 0; i < current.count; ++i) linker.link(current.blobs + i);
+  };
+  for (std::uint64_t seed = 1; seed < (quick() ? 2 : 3); ++seed) {
+    for (const Crowd &crowd : kCrowds) run(crowd, seed, link);
+  }
 }
 
-TEST(LinkIndex, GivesTheLinksOfTheWalkOverAll) {
-  for (std::uint64_t seed = 2; seed < (quick() ? 3 : 6); ++seed) {
-    for (const Crowd &crowd : kCrowds) run<LinkIndex>(crowd, seed);
-  }
+TEST(BlobLinker, GivesTheLinksOfTheWalkOverAllForFewAndForMany) {
+  BlobLinker linker;
+  const auto link = [&](BlobSpan earlier, BlobSpan current) { linker.link(earlier, current); };
+  for (const Crowd &crowd : kCrowds) run(crowd, 9, link);
 }
 
 TEST(BlobLinks, PositionFactorIsTheSameInFloatAndDouble) {

@@ -70,6 +70,33 @@ MaskPtr moving_squares(Size width, Size height, Size frame, Random *random) {
   return mask;
 }
 
+// Discs that drift, overlap and part again, with holes that open and close in them.
+MaskPtr drifting_discs(Size width, Size height, Size frame) {
+  MaskPtr mask = make_mask(width, height);
+  for (Size i = 0; i < 9; ++i) {
+    const Size radius = 3 + i * 2 % 11;
+    const Size hole = (frame + i) % 4 - 1;
+    const Size left = wrapped(i * 29 + frame * (i % 3 - 1), width);
+    const Size top = wrapped(i * 13 + frame * (i % 2), height);
+    for (Size y = std::max(top - radius, 0); y <= std::min(top + radius, height - 1); ++y) {
+      for (Size x = std::max(left - radius, 0); x <= std::min(left + radius, width - 1); ++x) {
+        const Size square = (x - left) * (x - left) + (y - top) * (y - top);
+        if (square <= radius * radius && square > hole * hole * hole) set_pixel(mask.get(), x, y);
+      }
+    }
+  }
+  return mask;
+}
+
+// Fingers that hang down from a bar and are cut off at different heights, with bars across them.
+MaskPtr gratings(Size width, Size height, Size frame) {
+  return mask_where(width, height, [=](Size x, Size y) {
+    const Size finger = x / 5;
+    const Size cut = 3 + (finger * 7 + frame) % 13;
+    return y % 17 < 2 || (x % 5 < 3 && (y + frame) % 17 < cut) || (x % 5 == 3 && y % 17 == cut);
+  });
+}
+
 std::vector<MaskPattern> all_patterns() {
   const auto plain = [](auto make) {
     return [make](Size w, Size h, Size f, Random *) { return make(w, h, f); };
@@ -98,6 +125,8 @@ std::vector<MaskPattern> all_patterns() {
                         });
                       })});
   patterns.push_back({"moving_squares", moving_squares});
+  patterns.push_back({"drifting_discs", plain(drifting_discs)});
+  patterns.push_back({"gratings", plain(gratings)});
   patterns.push_back({"white", plain([](Size w, Size h, Size) {
                         return mask_where(w, h, [](Size, Size) { return true; });
                       })});

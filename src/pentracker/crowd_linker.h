@@ -1,0 +1,54 @@
+// Linking among many blobs without comparing each with each.
+#ifndef PENTRACKER_CROWD_LINKER_H_
+#define PENTRACKER_CROWD_LINKER_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "pentracker/blob_links.h"
+#include "pentracker/link_kernels.h"
+#include "pentracker/near_blobs.h"
+#include "pentracker/open_blobs.h"
+
+namespace nox::pentracker {
+
+// Gives the links that a walk over all earlier blobs would give: of the blobs that it meets in list
+// order, each one that scores higher than those before it.
+//
+// It begins with the first few blobs that can still be had: where little moves, one of them is the
+// right one and cannot be surpassed. Of the others, those that are expected near the new blob are
+// picked out with the help of a grid. What is left are walks, from one picked blob to the next,
+// over the blobs that are still open to distant ones, until something has scored higher than these
+// can.
+class CrowdLinker {
+ public:
+  // Begins a frame; no blob of `earlier` has a successor yet.
+  void start(BlobSpan earlier);
+
+  // Links the next blob of the frame.
+  void link(Blob *blob);
+
+ private:
+  using Look = std::int32_t (*)(const LinkColumns &, const LinkQuery &, LinkRows, float *,
+                                LinkCandidate *);
+
+  void find_links(const LinkQuery &query);
+  void walk(Look look, const LinkQuery &query, LinkRows rows);
+  void take_links(Blob *blob);
+  bool is_closed(std::int32_t index) const;
+
+  BlobSpan earlier_{};
+  std::int32_t first_ = 0;  // all blobs before this one are closed to any other
+  bool near_is_built_ = false;
+  NearBlobs near_;
+  OpenBlobs open_;
+  // The links of the current blob, in the order in which they are taken, and the last one's score.
+  std::vector<LinkCandidate> links_;
+  std::size_t link_count_ = 0;
+  float best_ = 0.0F;
+};
+
+}  // namespace nox::pentracker
+
+#endif  // PENTRACKER_CROWD_LINKER_H_

@@ -1,0 +1,172 @@
+#include "pentracker/link_kernels.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <cstring>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pentracker/link_kernels.cc"
+#include "hwy/foreach_target.h"  // IWYU pragma: keep
+#include "hwy/highway.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace nox::pentracker::HWY_NAMESPACE {
+namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+constexpr int kLanes = 16;  // at most
+using Floats = hn::CappedTag<float, kLanes>;
+using FloatVector = hn::Vec<Floats>;
+
+// All looks decide by a bound on the score that is cheap and a little too high. It is made of
+// products where scores have quotients; all roundings of either together stay far below this.
+constexpr float kSlack = 1.00001F;
+// A little less than what a pixel of distance takes from the position factor: the approximate root
+// is within one part in 128 of the true one on every machine.
+constexpr float kFading = kLossPerPixel * (1.0F - 1.0F / 64.0F);
+// Keeps the root of 0 finite.
+constexpr float kTinySquare = 1e-12F;
+
+HWY_INLINE FloatVector likeness(const float *sizes, const float *inverses, FloatVector size,
+                                FloatVector inverse) {
+  const Floats d;
+  return hn::Min(hn::Mul(hn::LoadU(d, sizes), inverse), hn::Mul(hn::LoadU(d, inverses), size));
+}
+
+// Never below the product of the size factors.
+HWY_INLINE FloatVector likeness(const LinkColumns &columns, std::size_t i, const BlobShape &shape) {
+  const Floats d;
+  const FloatVector count = likeness(&columns.count[i], &columns.inverse_count[i],
+                                     hn::Set(d, shape.count), hn::Set(d, shape.inverse_count));
+  const FloatVector width = likeness(&columns.width[i], &columns.inverse_width[i],
+                                     hn::Set(d, shape.width), hn::Set(d, shape.inverse_width));
+  const FloatVector height = likeness(&columns.height[i], &columns.inverse_height[i],
+                                      hn::Set(d, shape.height), hn::Set(d, shape.inverse_height));
+  return hn::Mul(hn::Mul(count, width), hn::Mul(height, hn::Set(d, kSlack)));
+}
+
+// Never below the position factor where that is above the one of distant blobs.
+HWY_INLINE FloatVector nearness(const LinkColumns &columns, std::size_t i, const LinkQuery &query) {
+  const Floats d;
+  const FloatVector dx = hn::Sub(hn::LoadU(d, &columns.x[i]), hn::Set(d, query.x));
+  const FloatVector dy = hn::Sub(hn::LoadU(d, &columns.y[i]), hn::Set(d, query.y));
+  const FloatVector squared = hn::MulAdd(dx, dx, hn::MulAdd(dy, dy, hn::Set(d, kTinySquare)));
+  const FloatVector distance = hn::Mul(squared, hn::ApproximateReciprocalSqrt(squared));
+  return hn::NegMulAdd(distance, hn::Set(d, kFading), hn::Set(d, 1.0F));
+}
+
+// Which lanes of a vector that begins with row `row` are set and lie before row `end`.
+HWY_INLINE std::uint32_t lanes_of(hn::Mask<Floats> mask, std::int32_t row, std::int32_t end) {
+  std::uint8_t bytes[8] = {};
+  hn::StoreMaskBits(Floats(), mask, bytes);
+  std::uint32_t lanes;
+  std::memcpy(&lanes, bytes, sizeof(lanes));
+  return end - row >= kLanes ? lanes : lanes & ((1U << (end - row)) - 1);
+}
+
+std::int32_t LikelyNear(const LinkColumns &columns, const LinkQuery &query, float above,
+                        LinkRows rows, LinkCandidate *out) {
+  const Floats d;
+  LinkCandidate *next = out;
+  for (std::int32_t row = rows.begin; row < rows.end;
+       row += static_cast<std::int32_t>(hn::Lanes(d))) {
+    const auto i = static_cast<std::size_t>(row);
+    const FloatVector near = nearness(columns, i, query);
+    const FloatVector bound = hn::Mul(near, likeness(columns, i, query.shape));
+    const FloatVector passed = hn::Max(hn::LoadU(d, &columns.taken[i]), hn::Set(d, above));
+    const auto likely = hn::And(hn::Gt(near, hn::Set(d, kFarPosition)), hn::Gt(bound, passed));
+    if (hn::AllFalse(d, likely)) continue;
+    HWY_ALIGN float bounds[kLanes];
+    hn::Store(bound, d, bounds);
+    for (std::uint32_t left = lanes_of(likely, row, rows.end); left != 0; left &= left - 1) {
+      const int lane = std::countr_zero(left);
+      *next++ = {row + lane, bounds[lane]};
+    }
+  }
+  return static_cast<std::int32_t>(next - out);
+}
+
+// A walk in progress.
+struct Walk {
+  const LinkColumns &columns;
+  const LinkQuery &query;
+  float best;
+  LinkCandidate *next;
+
+  // `position` makes bounds on the position factors of the rows from i on.
+  template <typename Position>
+  HWY_INLINE void over(LinkRows rows, const Position &position) {
+    const Floats d;
+    for (std::int32_t row = rows.begin; row < rows.end;
+         row += static_cast<std::int32_t>(hn::Lanes(d))) {
+      const auto i = static_cast<std::size_t>(row);
+      const FloatVector bound = hn::Mul(position(i), likeness(columns, i, query.shape));
+      const FloatVector passed = hn::Max(hn::LoadU(d, &columns.taken[i]), hn::Set(d, best));
+      const auto likely = hn::Gt(bound, passed);
+      if (hn::AllFalse(d, likely)) continue;
+      HWY_ALIGN float bounds[kLanes];
+      hn::Store(bound, d, bounds);
+      take(row, bounds, lanes_of(likely, row, rows.end));
+    }
+  }
+
+  HWY_INLINE void take(std::int32_t row, const float *bounds, std::uint32_t likely) {
+    for (; likely != 0; likely &= likely - 1) {
+      const int lane = std::countr_zero(likely);
+      if (bounds[lane] <= best) continue;
+      const float score = columns.score(row + lane, query);
+      if (score <= best || score <= columns.taken[static_cast<std::size_t>(row + lane)]) continue;
+      *next++ = {row + lane, score};
+      best = score;
+    }
+  }
+};
+
+std::int32_t WalkAll(const LinkColumns &columns, const LinkQuery &query, LinkRows rows, float *best,
+                     LinkCandidate *out) {
+  Walk walk{columns, query, *best, out};
+  walk.over(rows, [&](std::size_t i) HWY_ATTR {
+    return hn::Max(nearness(columns, i, query), hn::LoadU(Floats(), &columns.least[i]));
+  });
+  *best = walk.best;
+  return static_cast<std::int32_t>(walk.next - out);
+}
+
+std::int32_t WalkDistant(const LinkColumns &columns, const LinkQuery &query, LinkRows rows,
+                         float *best, LinkCandidate *out) {
+  Walk walk{columns, query, *best, out};
+  walk.over(rows, [&](std::size_t i) HWY_ATTR { return hn::LoadU(Floats(), &columns.least[i]); });
+  *best = walk.best;
+  return static_cast<std::int32_t>(walk.next - out);
+}
+
+}  // namespace
+}  // namespace nox::pentracker::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace nox::pentracker {
+
+HWY_EXPORT(LikelyNear);
+HWY_EXPORT(WalkAll);
+HWY_EXPORT(WalkDistant);
+
+std::int32_t likely_near(const LinkColumns &columns, const LinkQuery &query, float above,
+                         LinkRows rows, LinkCandidate *out) {
+  return HWY_DYNAMIC_DISPATCH(LikelyNear)(columns, query, above, rows, out);
+}
+
+std::int32_t walk_all(const LinkColumns &columns, const LinkQuery &query, LinkRows rows,
+                      float *best, LinkCandidate *out) {
+  return HWY_DYNAMIC_DISPATCH(WalkAll)(columns, query, rows, best, out);
+}
+
+std::int32_t walk_distant(const LinkColumns &columns, const LinkQuery &query, LinkRows rows,
+                          float *best, LinkCandidate *out) {
+  return HWY_DYNAMIC_DISPATCH(WalkDistant)(columns, query, rows, best, out);
+}
+
+}  // namespace nox::pentracker
+#endif  // HWY_ONCE

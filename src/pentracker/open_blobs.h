@@ -1,0 +1,50 @@
+// The earlier blobs, in list order, that a new blob far from where they are expected may be linked
+// to.
+#ifndef PENTRACKER_OPEN_BLOBS_H_
+#define PENTRACKER_OPEN_BLOBS_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "pentracker/blob_links.h"
+#include "pentracker/link_columns.h"
+#include "pentracker/link_kernels.h"
+
+namespace nox::pentracker {
+
+// Distance counts the same for all blobs that are far, and not at all for those that have no
+// expected place. So most blobs are soon taken by a near one, closed to distant ones, and leave.
+class OpenBlobs {
+ public:
+  // Takes in the blobs, none of which has a successor yet.
+  void build(BlobSpan earlier);
+
+  // Notes that a successor with this score was found for blob `index`.
+  void set_taken(std::int32_t index, float score);
+
+  // Forgets the rows of blobs that have left.
+  void tidy();
+
+  // No score of a distant blob is higher.
+  float highest() const { return open_placeless_ > 0 ? 1.0F : kFarPosition; }
+
+  const LinkColumns &table() const { return table_; }
+  std::int32_t index_of(std::int32_t row) const { return index_[static_cast<std::size_t>(row)]; }
+  // The first row whose blob is `index` or one after it in the list.
+  std::int32_t row_from(std::int32_t index) const;
+  // The rows of blob `index` and of those right after it in the list, as far as all are open, but
+  // of a few at most.
+  LinkRows rows_in_a_row(std::int32_t index) const;
+
+ private:
+  LinkColumns table_;
+  std::vector<std::int32_t> index_;   // of each row: its blob
+  std::vector<std::int32_t> row_of_;  // of each blob: its row, or none
+  std::int32_t left_ = 0;             // rows of blobs that have left
+  std::int32_t open_placeless_ = 0;   // blobs without an expected place
+};
+
+}  // namespace nox::pentracker
+
+#endif  // PENTRACKER_OPEN_BLOBS_H_
