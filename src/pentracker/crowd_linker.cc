@@ -27,29 +27,30 @@ void CrowdLinker::find_links(const LinkQuery &query) {
     return;
   }
   const LinkRows leading = open_.rows_in_a_row(first_);
-  walk(walk_all, query, leading);
+  walk(walk_all, query, highest, leading);
   if (best_ >= highest) return;
   if (!near_is_built_) near_.build(earlier_);
   near_is_built_ = true;
+  const float distant = open_.highest(query.shape);
   std::int32_t row = leading.end;
   const std::vector<LinkCandidate> &picked =
       near_.pick(query, best_, first_ + leading.end - leading.begin);
   for (auto near = picked.rbegin(); near != picked.rend(); ++near) {
     const std::int32_t end = open_.row_from(near->index);
-    walk(walk_distant, query, {row, end});
+    walk(walk_distant, query, distant, {row, end});
     row = end;
     if (near->score <= best_) continue;
     links_[link_count_++] = *near;
     best_ = near->score;
   }
-  walk(walk_distant, query, {row, open_.table().size});
+  walk(walk_distant, query, distant, {row, open_.table().size});
 }
 
-// Adds the links that a walk over rows of the open blobs finds.
-void CrowdLinker::walk(Look look, const LinkQuery &query, LinkRows rows) {
-  if (best_ >= open_.highest()) return;
+// Adds the links that a walk over rows of the open blobs finds; none scores above `enough`.
+void CrowdLinker::walk(Look look, const LinkQuery &query, float enough, LinkRows rows) {
+  if (best_ >= enough) return;
   LinkCandidate *links = links_.data() + link_count_;
-  const std::int32_t count = look(open_.table(), query, rows, &best_, links);
+  const std::int32_t count = look(open_.table(), query, enough, rows, &best_, links);
   for (std::int32_t i = 0; i < count; ++i) links[i].index = open_.index_of(links[i].index);
   link_count_ += static_cast<std::size_t>(count);
 }

@@ -30,11 +30,10 @@ class CrowdLinker {
   void link(Blob *blob);
 
  private:
-  using Look = std::int32_t (*)(const LinkColumns &, const LinkQuery &, LinkRows, float *,
-                                LinkCandidate *);
+  using Look = decltype(&walk_all);
 
   void find_links(const LinkQuery &query);
-  void walk(Look look, const LinkQuery &query, LinkRows rows);
+  void walk(Look look, const LinkQuery &query, float enough, LinkRows rows);
   void take_links(Blob *blob);
   bool is_closed(std::int32_t index) const;
 

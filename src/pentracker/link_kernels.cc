@@ -88,58 +88,79 @@ std::int32_t LikelyNear(const LinkColumns &columns, const LinkQuery &query, floa
   return static_cast<std::int32_t>(next - out);
 }
 
-// A walk in progress.
-struct Walk {
-  const LinkColumns &columns;
-  const LinkQuery &query;
-  float best;
-  LinkCandidate *next;
-
-  // `position` makes bounds on the position factors of the rows from i on.
-  template <typename Position>
-  HWY_INLINE void over(LinkRows rows, const Position &position) {
-    const Floats d;
-    for (std::int32_t row = rows.begin; row < rows.end;
-         row += static_cast<std::int32_t>(hn::Lanes(d))) {
-      const auto i = static_cast<std::size_t>(row);
-      const FloatVector bound = hn::Mul(position(i), likeness(columns, i, query.shape));
-      const FloatVector passed = hn::Max(hn::LoadU(d, &columns.taken[i]), hn::Set(d, best));
-      const auto likely = hn::Gt(bound, passed);
-      if (hn::AllFalse(d, likely)) continue;
-      HWY_ALIGN float bounds[kLanes];
-      hn::Store(bound, d, bounds);
-      take(row, bounds, lanes_of(likely, row, rows.end));
-    }
-  }
-
-  HWY_INLINE void take(std::int32_t row, const float *bounds, std::uint32_t likely) {
-    for (; likely != 0; likely &= likely - 1) {
-      const int lane = std::countr_zero(likely);
-      if (bounds[lane] <= best) continue;
-      const float score = columns.score(row + lane, query);
-      if (score <= best || score <= columns.taken[static_cast<std::size_t>(row + lane)]) continue;
-      *next++ = {row + lane, score};
-      best = score;
-    }
-  }
-};
-
-std::int32_t WalkAll(const LinkColumns &columns, const LinkQuery &query, LinkRows rows, float *best,
-                     LinkCandidate *out) {
-  Walk walk{columns, query, *best, out};
-  walk.over(rows, [&](std::size_t i) HWY_ATTR {
-    return hn::Max(nearness(columns, i, query), hn::LoadU(Floats(), &columns.least[i]));
-  });
-  *best = walk.best;
-  return static_cast<std::int32_t>(walk.next - out);
+// The factors of shape_score in its very forms: the quotient, or the product with the new blob's
+// inverse where the earlier blob is the smaller one.
+HWY_INLINE FloatVector exact_scores(const LinkColumns &columns, std::size_t i,
+                                    const BlobShape &shape, FloatVector position) {
+  const Floats d;
+  const auto factor = [d](const float *sizes, float size, float inverse,
+                          auto is_quotient) HWY_ATTR {
+    const FloatVector earlier = hn::LoadU(d, sizes);
+    const FloatVector blob = hn::Set(d, size);
+    return hn::IfThenElse(is_quotient(blob, earlier), hn::Div(blob, earlier),
+                          hn::Mul(earlier, hn::Set(d, inverse)));
+  };
+  const auto is_less = [](FloatVector blob, FloatVector earlier)
+                           HWY_ATTR { return hn::Lt(blob, earlier); };
+  const auto is_not_more = [](FloatVector blob, FloatVector earlier)
+                               HWY_ATTR { return hn::Le(blob, earlier); };
+  const FloatVector count = factor(&columns.count[i], shape.count, shape.inverse_count, is_less);
+  const FloatVector width =
+      factor(&columns.width[i], shape.width, shape.inverse_width, is_not_more);
+  const FloatVector height =
+      factor(&columns.height[i], shape.height, shape.inverse_height, is_not_more);
+  return hn::Mul(hn::Mul(hn::Mul(position, count), width), height);
 }
 
-std::int32_t WalkDistant(const LinkColumns &columns, const LinkQuery &query, LinkRows rows,
-                         float *best, LinkCandidate *out) {
-  Walk walk{columns, query, *best, out};
-  walk.over(rows, [&](std::size_t i) HWY_ATTR { return hn::LoadU(Floats(), &columns.least[i]); });
-  *best = walk.best;
-  return static_cast<std::int32_t>(walk.next - out);
+// position_factor, which is the same in single precision.
+HWY_INLINE FloatVector exact_positions(const LinkColumns &columns, std::size_t i,
+                                       const LinkQuery &query) {
+  const Floats d;
+  const FloatVector dx = hn::Sub(hn::LoadU(d, &columns.x[i]), hn::Set(d, query.x));
+  const FloatVector dy = hn::Sub(hn::LoadU(d, &columns.y[i]), hn::Set(d, query.y));
+  const FloatVector distance = hn::Sqrt(hn::Add(hn::Mul(dx, dx), hn::Mul(dy, dy)));
+  const FloatVector loss =
+      hn::Mul(hn::Add(distance, hn::Set(d, kTinyLength)), hn::Set(d, kLossPerPixel));
+  return hn::Max(hn::Sub(hn::Set(d, 1.0F), loss), hn::LoadU(d, &columns.least[i]));
+}
+
+// Without kNear, the position factor of every blob is that of a distant one.
+template <bool kNear>
+HWY_INLINE std::int32_t walk(const LinkColumns &columns, const LinkQuery &query, float enough,
+                             LinkRows rows, float *best, LinkCandidate *out) {
+  const Floats d;
+  LinkCandidate *next = out;
+  for (std::int32_t row = rows.begin; row < rows.end && *best < enough;
+       row += static_cast<std::int32_t>(hn::Lanes(d))) {
+    const auto i = static_cast<std::size_t>(row);
+    const FloatVector least = hn::LoadU(d, &columns.least[i]);
+    const FloatVector bound = hn::Mul(kNear ? hn::Max(nearness(columns, i, query), least) : least,
+                                      likeness(columns, i, query.shape));
+    const FloatVector passed = hn::Max(hn::LoadU(d, &columns.taken[i]), hn::Set(d, *best));
+    if (hn::AllFalse(d, hn::Gt(bound, passed))) continue;
+    const FloatVector scores =
+        exact_scores(columns, i, query.shape, kNear ? exact_positions(columns, i, query) : least);
+    HWY_ALIGN float score[kLanes];
+    hn::Store(scores, d, score);
+    std::uint32_t higher = lanes_of(hn::Gt(scores, passed), row, rows.end);
+    for (; higher != 0; higher &= higher - 1) {
+      const int lane = std::countr_zero(higher);
+      if (score[lane] <= *best) continue;
+      *next++ = {row + lane, score[lane]};
+      *best = score[lane];
+    }
+  }
+  return static_cast<std::int32_t>(next - out);
+}
+
+std::int32_t WalkAll(const LinkColumns &columns, const LinkQuery &query, float enough,
+                     LinkRows rows, float *best, LinkCandidate *out) {
+  return walk<true>(columns, query, enough, rows, best, out);
+}
+
+std::int32_t WalkDistant(const LinkColumns &columns, const LinkQuery &query, float enough,
+                         LinkRows rows, float *best, LinkCandidate *out) {
+  return walk<false>(columns, query, enough, rows, best, out);
 }
 
 }  // namespace
@@ -158,14 +179,14 @@ std::int32_t likely_near(const LinkColumns &columns, const LinkQuery &query, flo
   return HWY_DYNAMIC_DISPATCH(LikelyNear)(columns, query, above, rows, out);
 }
 
-std::int32_t walk_all(const LinkColumns &columns, const LinkQuery &query, LinkRows rows,
-                      float *best, LinkCandidate *out) {
-  return HWY_DYNAMIC_DISPATCH(WalkAll)(columns, query, rows, best, out);
+std::int32_t walk_all(const LinkColumns &columns, const LinkQuery &query, float enough,
+                      LinkRows rows, float *best, LinkCandidate *out) {
+  return HWY_DYNAMIC_DISPATCH(WalkAll)(columns, query, enough, rows, best, out);
 }
 
-std::int32_t walk_distant(const LinkColumns &columns, const LinkQuery &query, LinkRows rows,
-                          float *best, LinkCandidate *out) {
-  return HWY_DYNAMIC_DISPATCH(WalkDistant)(columns, query, rows, best, out);
+std::int32_t walk_distant(const LinkColumns &columns, const LinkQuery &query, float enough,
+                          LinkRows rows, float *best, LinkCandidate *out) {
+  return HWY_DYNAMIC_DISPATCH(WalkDistant)(columns, query, enough, rows, best, out);
 }
 
 }  // namespace nox::pentracker

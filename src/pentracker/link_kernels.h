@@ -28,14 +28,15 @@ std::int32_t likely_near(const LinkColumns &columns, const LinkQuery &query, flo
 
 // Walks over the rows, first to last, and writes to `out` each that scores above all before it,
 // above `*best` and above what it is taken for, with its exact score; returns how many these are.
-// `*best` becomes the last score. There must be room for as many as there are rows.
-std::int32_t walk_all(const LinkColumns &columns, const LinkQuery &query, LinkRows rows,
-                      float *best, LinkCandidate *out);
+// The walk ends early at a score of `enough`. `*best` becomes the last score. There must be room
+// for as many as there are rows.
+std::int32_t walk_all(const LinkColumns &columns, const LinkQuery &query, float enough,
+                      LinkRows rows, float *best, LinkCandidate *out);
 
 // The same walk where no blob that is near scores above `*best`, or above any that is not: it need
 // not ask how near they are.
-std::int32_t walk_distant(const LinkColumns &columns, const LinkQuery &query, LinkRows rows,
-                          float *best, LinkCandidate *out);
+std::int32_t walk_distant(const LinkColumns &columns, const LinkQuery &query, float enough,
+                          LinkRows rows, float *best, LinkCandidate *out);
 
 }  // namespace nox::pentracker
 

@@ -31,7 +31,7 @@ void OpenBlobs::set_taken(std::int32_t index, float score) {
   if (row == kNone) return;
   table_.set_taken(row, score);
   const float least = table_.least[at(row)];
-  if (table_.taken[at(row)] < least) return;
+  if (score < least * highest_score(table_.count[at(row)], table_.inverse_count[at(row)])) return;
   table_.taken[at(row)] = kClosed;
   row_of_[at(index)] = kNone;
   open_placeless_ -= least == 1.0F ? 1 : 0;

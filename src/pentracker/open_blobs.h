@@ -26,8 +26,11 @@ class OpenBlobs {
   // Forgets the rows of blobs that have left.
   void tidy();
 
-  // No score of a distant blob is higher.
-  float highest() const { return open_placeless_ > 0 ? 1.0F : kFarPosition; }
+  // No score of a new blob of this shape that is distant is higher.
+  float highest(const BlobShape &shape) const {
+    const float position = open_placeless_ > 0 ? 1.0F : kFarPosition;
+    return position * highest_score(shape.count, shape.inverse_count);
+  }
 
   const LinkColumns &table() const { return table_; }
   std::int32_t index_of(std::int32_t row) const { return index_[static_cast<std::size_t>(row)]; }

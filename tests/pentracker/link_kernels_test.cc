@@ -97,7 +97,7 @@ TEST_P(LinkKernelsTest, WalkAllTakesWhatAWalkOneByOneTakes) {
     std::vector<LinkCandidate> taken(Table::at(table.columns.size));
     float last = best;
     const std::int32_t count =
-        pentracker::walk_all(table.columns, query, rows, &last, taken.data());
+        pentracker::walk_all(table.columns, query, 1.0F, rows, &last, taken.data());
     ASSERT_EQ(Table::at(count), plain.size());
     for (std::size_t i = 0; i < plain.size(); ++i) {
       EXPECT_EQ(taken[i].index, plain[i].index);
@@ -118,7 +118,7 @@ TEST_P(LinkKernelsTest, WalkDistantTakesWhatAWalkOneByOneTakes) {
     const std::vector<LinkCandidate> plain = plain_walk(table, query, rows, best);
     std::vector<LinkCandidate> taken(Table::at(table.columns.size));
     const std::int32_t count =
-        pentracker::walk_distant(table.columns, query, rows, &best, taken.data());
+        pentracker::walk_distant(table.columns, query, 1.0F, rows, &best, taken.data());
     ASSERT_EQ(Table::at(count), plain.size());
     for (std::size_t i = 0; i < plain.size(); ++i) {
       EXPECT_EQ(taken[i].index, plain[i].index);
