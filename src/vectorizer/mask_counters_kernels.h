@@ -11,7 +11,7 @@ namespace nox::vectorizer {
 
 // Bit-planes of a counter from 0 to `limit`.
 inline constexpr int counter_planes(std::int32_t limit) {
-  return std::bit_width(static_cast<std::uint32_t>(limit));
+  return static_cast<int>(std::bit_width(static_cast<std::uint32_t>(limit)));
 }
 
 // Steps bits.count rows of counters from `planes` on: a row is counter_planes(limit) bit-planes of
