@@ -19,8 +19,6 @@ using PixelVector = hn::Vec<Pixels>;
 // More pixels than this are not read again before they have left the cache: writing past the cache
 // spares reading what was there. 65536 pixels are half a megabyte.
 constexpr std::size_t kStreamFrom = 65536;
-// In shorter rows it is not worth while.
-constexpr std::int32_t kStreamWidth = 64;
 
 std::int32_t lanes() {
   return static_cast<std::int32_t>(hn::Lanes(Pixels()));
@@ -36,33 +34,29 @@ HWY_INLINE PixelVector pixels_from(PixelVector steps, std::int32_t x, std::int32
   return hn::Add(steps, hn::Set(Pixels(), first));
 }
 
-// A row of at least a vector; the last vector overlaps the one before.
+// A row of at least a vector. All vectors are aligned but those at the ends, which overlap their
+// neighbours; kStream writes the aligned ones past the cache.
+template <bool kStream>
 HWY_INLINE void write_row(PixelVector steps, const PixelBlock &block, std::int32_t y,
                           BlobPixel *out) {
   const Pixels d;
   auto *to = reinterpret_cast<std::uint64_t *>(out);
   const std::int32_t width = block.end - block.begin;
-  for (std::int32_t i = 0; i < width - lanes(); i += lanes()) {
-    hn::StoreU(pixels_from(steps, block.begin + i, y), d, to + i);
-  }
-  hn::StoreU(pixels_from(steps, block.end - lanes(), y), d, to + width - lanes());
-}
-
-// The same past the cache: all vectors are aligned but those at the ends, where the row is not.
-HWY_INLINE void stream_row(PixelVector steps, const PixelBlock &block, std::int32_t y,
-                           BlobPixel *out) {
-  const Pixels d;
-  auto *to = reinterpret_cast<std::uint64_t *>(out);
-  const std::int32_t width = block.end - block.begin;
   const auto bytes = static_cast<std::uintptr_t>(lanes()) * sizeof(BlobPixel);
-  const auto over = reinterpret_cast<std::uintptr_t>(out) % bytes;
+  const auto over =
+      static_cast<std::int32_t>(reinterpret_cast<std::uintptr_t>(out) % bytes / sizeof(BlobPixel));
   std::int32_t i = 0;
   if (over != 0) {
     hn::StoreU(pixels_from(steps, block.begin, y), d, to);
-    i = static_cast<std::int32_t>((bytes - over) / sizeof(BlobPixel));
+    i = lanes() - over;
   }
   for (; i <= width - lanes(); i += lanes()) {
-    hn::Stream(pixels_from(steps, block.begin + i, y), d, to + i);
+    const PixelVector pixels = pixels_from(steps, block.begin + i, y);
+    if (kStream) {
+      hn::Stream(pixels, d, to + i);
+    } else {
+      hn::Store(pixels, d, to + i);
+    }
   }
   if (i != width) {
     hn::StoreU(pixels_from(steps, block.end - lanes(), y), d, to + width - lanes());
@@ -80,22 +74,28 @@ HWY_INLINE void write_narrow(const PixelBlock &block, BlobPixel *out) {
   }
 }
 
-HWY_INLINE void write_short_row(const PixelBlock &block, std::int32_t y, BlobPixel *out) {
-  for (std::int32_t x = block.begin; x < block.end; ++x) write_pixel(out++, x, y);
+// The rows of a block that is narrower than a vector: each is written with a whole one, and the
+// next row overwrites what was too much, as long as that lies within the block.
+HWY_INLINE void write_short_rows(PixelVector steps, const PixelBlock &block, BlobPixel *out) {
+  const std::int32_t width = block.end - block.begin;
+  std::int32_t left = width * (block.bottom - block.top + 1);
+  std::int32_t y = block.top;
+  for (; left >= lanes(); ++y, left -= width, out += width) {
+    hn::StoreU(pixels_from(steps, block.begin, y), Pixels(),
+               reinterpret_cast<std::uint64_t *>(out));
+  }
+  for (; y <= block.bottom; ++y) {
+    for (std::int32_t x = block.begin; x < block.end; ++x) write_pixel(out++, x, y);
+  }
 }
 
 template <bool kStream>
 HWY_INLINE void write_block(PixelVector steps, const PixelBlock &block, BlobPixel *out) {
   const std::int32_t width = block.end - block.begin;
   if (width <= 3) return write_narrow(block, out);
+  if (width < lanes()) return write_short_rows(steps, block, out);
   for (std::int32_t y = block.top; y <= block.bottom; ++y, out += width) {
-    if (width < lanes()) {
-      write_short_row(block, y, out);
-    } else if (kStream && width >= kStreamWidth) {
-      stream_row(steps, block, y, out);
-    } else {
-      write_row(steps, block, y, out);
-    }
+    write_row<kStream>(steps, block, y, out);
   }
 }
 
