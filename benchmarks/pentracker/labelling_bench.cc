@@ -24,7 +24,9 @@ using Masks = std::vector<BitMask *>;
 // Masks of consecutive frames, so that blobs move as they do in a video.
 constexpr int kMasks = 16;
 
-// What the tracker labels of the camera scene: its grown masks of one plane.
+// What the tracker labels of the camera scene: its grown masks of one plane. Where nothing moves a
+// mask can be that of the frame before, which is not labelled again; a pixel in a corner of every
+// second one sees to it that all are.
 Masks scene_masks(BitMask *PenTracker::*mask) {
   Masks masks;
   PenTracker *tracker = pen_tracker_new();
@@ -35,6 +37,7 @@ Masks scene_masks(BitMask *PenTracker::*mask) {
     pen_tracker_process(tracker, &frame, &frame, &x, &y, &pressed);
     masks.push_back(bitmask_new(kPenWorkWidth, kPenWorkHeight));
     bitmask_copy(masks.back(), tracker->*mask);
+    if (i % 2 == 0) masks.back()->data[0] |= 1;
   }
   pen_tracker_free(tracker);
   return masks;

@@ -1,6 +1,7 @@
 #include "pentracker/shape_scan.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "pentracker/mask_rows.h"
@@ -17,20 +18,29 @@ void ShapeScan::scan(const BitMask *mask, PixelGroups *groups) {
   groups_->clear();
   segment_count_ = 0;
   row_.front() = kNoRun;
-  y_ = next_set_row(mask, 0);
-  while (y_ < height_) {
-    read_edges(mask->data + static_cast<std::ptrdiff_t>(y_) * mask->stride, width_, edges_.data());
+  side_by_side_ = false;
+  for (y_ = next_set_row(mask, 0); y_ < height_; ++y_) {
+    if (stays_the_same(mask)) continue;
+    const std::uint8_t *row = mask->data + static_cast<std::ptrdiff_t>(y_) * mask->stride;
+    read_edges(row, width_, edges_.data());
     reserve_row();
     std::swap(above_, row_);
     scan_row();
-    ++y_;
-    if (row_.front().begin == kRightOfPicture) y_ = next_set_row(mask, y_);
+    if (row_.front().begin == kRightOfPicture) y_ = next_set_row(mask, y_ + 1) - 1;
   }
   // An empty row behind the last one ends what is left.
   edges_.front() = kRightOfPicture;
   reserve_row();
   std::swap(above_, row_);
   scan_row();
+}
+
+// Whether the row leaves everything as it is: it has the pixels of the row above, where the
+// segments have their order already, and none of them takes turns with another.
+inline bool ShapeScan::stays_the_same(const BitMask *mask) const {
+  if (side_by_side_ || row_.front().begin == kRightOfPicture) return false;
+  const std::uint8_t *row = mask->data + static_cast<std::ptrdiff_t>(y_) * mask->stride;
+  return std::memcmp(row - mask->stride, row, words_of(width_) * sizeof(std::uint64_t)) == 0;
 }
 
 // Makes room for all that one row can add: a group or a segment for every other pixel; a block for
@@ -45,6 +55,7 @@ void ShapeScan::reserve_row() {
 inline void ShapeScan::scan_row() {
   next_above_ = above_.data();
   Run *run = row_.data();
+  side_by_side_ = false;
   for (const std::int32_t *edge = edges_.data(); *edge != kRightOfPicture; edge += 2, ++run) {
     *run = scan_run(edge[0], edge[1], edge[2]);
   }
@@ -69,6 +80,7 @@ inline ShapeScan::Run ShapeScan::scan_run(std::int32_t begin, std::int32_t end,
   while (next_above_->begin < end) append(&run, take_above(&run, next_begin));
   set_end(run.last, end);
   if (run.side_by_side) hand_over_row(run);
+  side_by_side_ |= run.side_by_side;
   return run;
 }
 

@@ -45,6 +45,7 @@ class ShapeScan {
   };
   static constexpr Run kNoRun{kRightOfPicture, kRightOfPicture, 0, 0, false};
 
+  bool stays_the_same(const BitMask *mask) const;
   void reserve_row();
   void scan_row();
   Run scan_run(std::int32_t begin, std::int32_t end, std::int32_t next_begin);
@@ -67,6 +68,7 @@ class ShapeScan {
   std::vector<std::int32_t> edges_;  // of its runs
   std::vector<Run> above_, row_;     // each closed by a run right of the picture
   Run *next_above_ = nullptr;        // the first run of the row above that may still be met
+  bool side_by_side_ = false;        // that any segments of the row may be
   std::vector<Segment> segments_;
   std::int32_t segment_count_ = 0;
   PixelGroups *groups_ = nullptr;
