@@ -11,21 +11,14 @@ namespace nox::pentracker {
 
 namespace {
 
-// Whether a look at some of its rows says that the mask has many short runs.
-bool looks_like_noise(const BitMask *mask) {
-  constexpr std::int32_t kRowStep = 32;
-  constexpr std::int32_t kPixelsOfTurn = 10;  // in noise a run begins or ends more often than that
-  std::int32_t turns = 0;
-  std::int32_t seen = 0;
-  for (std::int32_t y = kRowStep / 2; y < mask->height; y += kRowStep) {
-    const std::uint8_t *row = mask->data + static_cast<std::ptrdiff_t>(y) * mask->stride;
-    for (std::int32_t word = 0; word < mask->width / kWordBits; ++word) {
-      const std::uint64_t pixels = read_word(row, mask->width, word);
-      seen += kWordBits;
-      if (pixels != 0) turns += std::popcount(pixels ^ pixels << 1);
-    }
+// Whether the words look like those of a mask that has many short runs.
+bool looks_like_noise(const std::vector<std::uint64_t> &words) {
+  constexpr std::size_t kPixelsOfTurn = 10;  // in noise a run begins or ends more often than that
+  std::size_t turns = 0;
+  for (const std::uint64_t pixels : words) {
+    if (pixels != 0) turns += static_cast<std::size_t>(std::popcount(pixels ^ pixels << 1));
   }
-  return turns > seen / kPixelsOfTurn;
+  return turns > words.size() * kWordBits / kPixelsOfTurn;
 }
 
 void extend(Box *box, const Box &other) {
@@ -38,8 +31,8 @@ void extend(Box *box, const Box &other) {
 }  // namespace
 
 bool Components::label(const BitMask *mask) {
-  if (!take_over(mask)) return false;
-  if (looks_like_noise(mask)) {
+  if (is_known(mask)) return false;
+  if (looks_like_noise(sample_)) {
     noise_scan_.scan(mask, &groups_);
   } else {
     shape_scan_.scan(mask, &groups_);
@@ -48,16 +41,35 @@ bool Components::label(const BitMask *mask) {
   return true;
 }
 
-// Notes what the mask holds; false when it is what the last one held. The bytes behind the rows are
-// compared, too: where only they differ, the mask counts as changed and is labelled again.
-bool Components::take_over(const BitMask *mask) {
+// Whether the mask is what the last one was. Only one whose sample is that of the last one is noted
+// and compared as a whole: most masks change, and these are spared the copy. The bytes behind the
+// rows are compared, too; where only they differ, the mask counts as changed and is labelled again.
+bool Components::is_known(const BitMask *mask) {
   const auto size = static_cast<std::size_t>(mask->size);
-  if (last_mask_.size() == size && size != 0 &&
-      std::memcmp(last_mask_.data(), mask->block, size) == 0) {
+  last_sample_.swap(sample_);
+  take_sample(mask);
+  if (sample_ != last_sample_) {
+    last_mask_.clear();
     return false;
   }
+  if (last_mask_.size() == size && size != 0 &&
+      std::memcmp(last_mask_.data(), mask->block, size) == 0) {
+    return true;
+  }
   last_mask_.assign(mask->block, mask->block + size);
-  return true;
+  return false;
+}
+
+// The words of some of the rows.
+void Components::take_sample(const BitMask *mask) {
+  constexpr std::int32_t kRowStep = 32;
+  sample_.clear();
+  for (std::int32_t y = kRowStep / 2; y < mask->height; y += kRowStep) {
+    const std::uint8_t *row = mask->data + static_cast<std::ptrdiff_t>(y) * mask->stride;
+    for (std::int32_t word = 0; word < words_of(mask->width); ++word) {
+      sample_.push_back(read_word(row, mask->width, word));
+    }
+  }
 }
 
 void Components::list_components() {

@@ -26,8 +26,7 @@ class Components {
   Components(std::int32_t width, std::int32_t height)
       : shape_scan_(width, height), noise_scan_(width, height) {}
 
-  // Returns whether anything has changed. A mask that is the same as the last one keeps its
-  // components, at the price of comparing the two.
+  // Returns whether anything may have changed: a mask that stays the same keeps its components.
   bool label(const BitMask *mask);
 
   // The components of the last mask, by rising id.
@@ -39,11 +38,13 @@ class Components {
   void write_pixels(BlobPixel *pixels) const;
 
  private:
-  bool take_over(const BitMask *mask);
+  bool is_known(const BitMask *mask);
+  void take_sample(const BitMask *mask);
   void list_components();
   void complete(Component *component);
 
-  std::vector<std::uint8_t> last_mask_;  // all bytes of its block; empty before the first
+  std::vector<std::uint64_t> sample_, last_sample_;  // some words of the mask and of the last one
+  std::vector<std::uint8_t> last_mask_;  // all bytes of its block, or empty if it was not noted
   ShapeScan shape_scan_;
   NoiseScan noise_scan_;
   PixelGroups groups_;

@@ -74,6 +74,19 @@ HWY_INLINE void write_narrow(const PixelBlock &block, BlobPixel *out) {
   }
 }
 
+// A block of one column and at least a vector of rows; the last vector overlaps the one before.
+HWY_NOINLINE void write_column(PixelVector steps, const PixelBlock &block, BlobPixel *out) {
+  const Pixels d;
+  const PixelVector down = hn::ShiftLeft<32>(steps);
+  auto *to = reinterpret_cast<std::uint64_t *>(out);
+  const std::int32_t last = block.bottom + 1 - lanes();
+  for (std::int32_t y = block.top; y < last; y += lanes(), to += lanes()) {
+    hn::StoreU(pixels_from(down, block.begin, y), d, to);
+  }
+  to = reinterpret_cast<std::uint64_t *>(out) + (last - block.top);
+  hn::StoreU(pixels_from(down, block.begin, last), d, to);
+}
+
 // The rows of a block that is narrower than a vector: each is written with a whole one, and the
 // next row overwrites what was too much, as long as that lies within the block.
 HWY_INLINE void write_short_rows(PixelVector steps, const PixelBlock &block, BlobPixel *out) {
@@ -92,7 +105,12 @@ HWY_INLINE void write_short_rows(PixelVector steps, const PixelBlock &block, Blo
 template <bool kStream>
 HWY_INLINE void write_block(PixelVector steps, const PixelBlock &block, BlobPixel *out) {
   const std::int32_t width = block.end - block.begin;
-  if (width <= 3) return write_narrow(block, out);
+  if (width <= 3) {
+    if (HWY_UNLIKELY(block.bottom - block.top >= lanes()) && width == 1) {
+      return write_column(steps, block, out);
+    }
+    return write_narrow(block, out);
+  }
   if (width < lanes()) return write_short_rows(steps, block, out);
   for (std::int32_t y = block.top; y <= block.bottom; ++y, out += width) {
     write_row<kStream>(steps, block, y, out);

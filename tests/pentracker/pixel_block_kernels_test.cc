@@ -72,6 +72,16 @@ TEST_P(PixelBlocksTest, WritesBlocksOfEveryWidthInTheOrderOfTheirGroups) {
   }
 }
 
+TEST_P(PixelBlocksTest, WritesNarrowBlocksOfEveryHeight) {
+  Random random(11);
+  for (std::int32_t highest = 1; highest < 60; ++highest) {
+    SCOPED_TRACE("blocks up to " + std::to_string(highest) + " high");
+    for (const std::int32_t widest : {1, 3, 9}) {
+      compare(make_lists(20, widest, highest, &random));
+    }
+  }
+}
+
 TEST_P(PixelBlocksTest, WritesVeryManyPixelsPastTheCache) {
   Random random(10);
   compare(make_lists(60, 500, 10, &random));
