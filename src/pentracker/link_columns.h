@@ -3,6 +3,7 @@
 #define PENTRACKER_LINK_COLUMNS_H_
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -26,13 +27,15 @@ struct LinkColumns {
   std::vector<float> taken;  // the score of the successor, kClosed if none can be higher
   std::int32_t size = 0;
 
+  std::array<std::vector<float> *, 10> columns() {
+    return {&x,      &y,     &least,         &count,         &width,
+            &height, &taken, &inverse_count, &inverse_width, &inverse_height};
+  }
+
   // Makes all columns `rows` long; each row is to be put then.
   void resize(std::int32_t rows) {
     size = rows;
-    for (auto *column : {&x, &y, &least, &count, &width, &height, &inverse_count, &inverse_width,
-                         &inverse_height, &taken}) {
-      column->resize(static_cast<std::size_t>(rows + kPadding));
-    }
+    for (auto *column : columns()) column->resize(static_cast<std::size_t>(rows + kPadding));
     std::fill(taken.begin() + rows, taken.end(), kClosed);
   }
 
@@ -52,8 +55,7 @@ struct LinkColumns {
   }
 
   void move(std::int32_t from, std::int32_t to) {
-    for (auto *column : {&x, &y, &least, &count, &width, &height, &inverse_count, &inverse_width,
-                         &inverse_height, &taken}) {
+    for (auto *column : columns()) {
       (*column)[static_cast<std::size_t>(to)] = (*column)[static_cast<std::size_t>(from)];
     }
   }

@@ -35,15 +35,19 @@ class OpenBlobs {
   const LinkColumns &table() const { return table_; }
   std::int32_t index_of(std::int32_t row) const { return index_[static_cast<std::size_t>(row)]; }
   // The first row whose blob is `index` or one after it in the list.
-  std::int32_t row_from(std::int32_t index) const;
+  std::int32_t row_from(std::int32_t index) const {
+    return row_of_[static_cast<std::size_t>(index)];
+  }
   // The rows of blob `index` and of those right after it in the list, as far as all are open, but
   // of a few at most.
   LinkRows rows_in_a_row(std::int32_t index) const;
 
  private:
-  LinkColumns table_;
+  bool is_open(std::int32_t row) const;
+
+  LinkColumns table_;                 // where kClosed also marks a blob that has left
   std::vector<std::int32_t> index_;   // of each row: its blob
-  std::vector<std::int32_t> row_of_;  // of each blob: its row, or none
+  std::vector<std::int32_t> row_of_;  // of each blob: its row, or that of the next one that has any
   std::int32_t left_ = 0;             // rows of blobs that have left
   std::int32_t open_placeless_ = 0;   // blobs without an expected place
 };
