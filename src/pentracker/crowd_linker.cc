@@ -12,8 +12,7 @@ void CrowdLinker::start(BlobSpan earlier) {
 
 void CrowdLinker::link(Blob *blob) {
   open_.tidy();
-  link_count_ = 0;
-  best_ = 0.0F;
+  walk_ = {open_.first_row(), 0.0F, links_.data()};
   if (first_ < earlier_.count) find_links(LinkQuery(*blob));
   take_links(blob);
 }
@@ -22,46 +21,36 @@ void CrowdLinker::find_links(const LinkQuery &query) {
   const float highest = highest_score(query.shape.count, query.shape.inverse_count);
   // Where nothing moves, the first one is the right one.
   const float first = match_score(earlier_.blobs[first_], query);
-  if (first >= highest && first > earlier_.blobs[first_].successor_score) {
-    links_[link_count_++] = {first_, first};
-    return;
-  }
+  if (first >= highest) return add({first_, first});
   const LinkRows leading = open_.rows_in_a_row(first_);
-  walk(walk_all, query, highest, leading);
-  if (best_ >= highest) return;
+  const std::int32_t from = first_ + (leading.end - leading.begin);
+  if (from != first_) {
+    walk_.row = leading.begin;
+    walk_all(open_.table(), query, from, highest, &walk_);
+    if (walk_.best >= highest) return;
+  }
   if (!near_is_built_) near_.build(earlier_);
   near_is_built_ = true;
   const float distant = open_.highest(query.shape);
-  std::int32_t row = leading.end;
-  const std::vector<LinkCandidate> &picked =
-      near_.pick(query, best_, first_ + leading.end - leading.begin);
+  const std::vector<LinkCandidate> &picked = near_.pick(query, walk_.best, from);
   for (auto near = picked.rbegin(); near != picked.rend(); ++near) {
-    const std::int32_t end = open_.row_from(near->index);
-    walk(walk_distant, query, distant, {row, end});
-    row = end;
-    if (near->score <= best_) continue;
-    links_[link_count_++] = *near;
-    best_ = near->score;
+    walk_distant(open_.table(), query, near->index, distant, &walk_);
+    if (near->score > walk_.best) add(*near);
   }
-  walk(walk_distant, query, distant, {row, open_.table().size});
+  walk_distant(open_.table(), query, earlier_.count, distant, &walk_);
 }
 
-// Adds the links that a walk over rows of the open blobs finds; none scores above `enough`.
-void CrowdLinker::walk(Look look, const LinkQuery &query, float enough, LinkRows rows) {
-  if (best_ >= enough) return;
-  LinkCandidate *links = links_.data() + link_count_;
-  const std::int32_t count = look(open_.table(), query, enough, rows, &best_, links);
-  for (std::int32_t i = 0; i < count; ++i) links[i].index = open_.index_of(links[i].index);
-  link_count_ += static_cast<std::size_t>(count);
+void CrowdLinker::add(LinkCandidate link) {
+  *walk_.next++ = link;
+  walk_.best = link.score;
 }
 
 void CrowdLinker::take_links(Blob *blob) {
   LinkTaker taker(blob);
-  for (std::size_t i = 0; i < link_count_; ++i) {
-    const auto [index, score] = links_[i];
-    taker.take(earlier_.blobs + index, score);
-    if (near_is_built_) near_.set_taken(index, score);
-    open_.set_taken(index, score);
+  for (const LinkCandidate *link = links_.data(); link != walk_.next; ++link) {
+    taker.take(earlier_.blobs + link->index, link->score);
+    if (near_is_built_) near_.set_taken(link->index, link->score);
+    open_.set_taken(link->index, link->score);
   }
   taker.finish();
   while (first_ < earlier_.count && is_closed(first_)) ++first_;

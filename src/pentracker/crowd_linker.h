@@ -2,7 +2,6 @@
 #ifndef PENTRACKER_CROWD_LINKER_H_
 #define PENTRACKER_CROWD_LINKER_H_
 
-#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -30,10 +29,8 @@ class CrowdLinker {
   void link(Blob *blob);
 
  private:
-  using Look = decltype(&walk_all);
-
   void find_links(const LinkQuery &query);
-  void walk(Look look, const LinkQuery &query, float enough, LinkRows rows);
+  void add(LinkCandidate link);
   void take_links(Blob *blob);
   bool is_closed(std::int32_t index) const;
 
@@ -42,10 +39,8 @@ class CrowdLinker {
   bool near_is_built_ = false;
   NearBlobs near_;
   OpenBlobs open_;
-  // The links of the current blob, in the order in which they are taken, and the last one's score.
-  std::vector<LinkCandidate> links_;
-  std::size_t link_count_ = 0;
-  float best_ = 0.0F;
+  std::vector<LinkCandidate> links_;  // of the current blob, in the order in which they are taken
+  LinkWalk walk_{};                   // that finds them
 };
 
 }  // namespace nox::pentracker

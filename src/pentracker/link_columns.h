@@ -20,7 +20,8 @@ struct LinkColumns {
   // Rows behind the last one, which match nothing: a vector may reach over the end.
   static constexpr std::int32_t kPadding = 64;
 
-  std::vector<float> x, y;   // where the blob is expected
+  std::vector<std::int32_t> index;  // of the blob in its list; behind the last row, beyond all
+  std::vector<float> x, y;          // where the blob is expected
   std::vector<float> least;  // the position factor of a distant blob; 1 without an expected place
   std::vector<float> count, width, height;
   std::vector<float> inverse_count, inverse_width, inverse_height;
@@ -35,13 +36,16 @@ struct LinkColumns {
   // Makes all columns `rows` long; each row is to be put then.
   void resize(std::int32_t rows) {
     size = rows;
+    index.resize(static_cast<std::size_t>(rows + kPadding));
+    std::fill(index.begin() + rows, index.end(), std::numeric_limits<std::int32_t>::max());
     for (auto *column : columns()) column->resize(static_cast<std::size_t>(rows + kPadding));
     std::fill(taken.begin() + rows, taken.end(), kClosed);
   }
 
-  void put(std::int32_t row, const Blob &blob) {
+  void put(std::int32_t row, std::int32_t blob_index, const Blob &blob) {
     const auto i = static_cast<std::size_t>(row);
     const BlobShape shape(blob);
+    index[i] = blob_index;
     x[i] = blob.predicted_x;
     y[i] = blob.predicted_y;
     least[i] = blob.previous == nullptr ? 1.0F : kFarPosition;
@@ -55,6 +59,7 @@ struct LinkColumns {
   }
 
   void move(std::int32_t from, std::int32_t to) {
+    index[static_cast<std::size_t>(to)] = index[static_cast<std::size_t>(from)];
     for (auto *column : columns()) {
       (*column)[static_cast<std::size_t>(to)] = (*column)[static_cast<std::size_t>(from)];
     }

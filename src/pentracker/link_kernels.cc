@@ -57,13 +57,12 @@ HWY_INLINE FloatVector nearness(const LinkColumns &columns, std::size_t i, const
   return hn::NegMulAdd(distance, hn::Set(d, kFading), hn::Set(d, 1.0F));
 }
 
-// Which lanes of a vector that begins with row `row` are set and lie before row `end`.
-HWY_INLINE std::uint32_t lanes_of(hn::Mask<Floats> mask, std::int32_t row, std::int32_t end) {
+HWY_INLINE std::uint32_t lanes_of(hn::Mask<Floats> mask) {
   std::uint8_t bytes[8] = {};
   hn::StoreMaskBits(Floats(), mask, bytes);
   std::uint32_t lanes;
   std::memcpy(&lanes, bytes, sizeof(lanes));
-  return end - row >= kLanes ? lanes : lanes & ((1U << (end - row)) - 1);
+  return lanes;
 }
 
 std::int32_t LikelyNear(const LinkColumns &columns, const LinkQuery &query, float above,
@@ -80,8 +79,9 @@ std::int32_t LikelyNear(const LinkColumns &columns, const LinkQuery &query, floa
     if (hn::AllFalse(d, likely)) continue;
     HWY_ALIGN float bounds[kLanes];
     hn::Store(bound, d, bounds);
-    for (std::uint32_t left = lanes_of(likely, row, rows.end); left != 0; left &= left - 1) {
+    for (std::uint32_t left = lanes_of(likely); left != 0; left &= left - 1) {
       const int lane = std::countr_zero(left);
+      if (row + lane >= rows.end) break;
       *next++ = {row + lane, bounds[lane]};
     }
   }
@@ -124,43 +124,56 @@ HWY_INLINE FloatVector exact_positions(const LinkColumns &columns, std::size_t i
   return hn::Max(hn::Sub(hn::Set(d, 1.0F), loss), hn::LoadU(d, &columns.least[i]));
 }
 
+// Takes of the lanes that are set those that score above all before them.
+HWY_INLINE void take_rising(const LinkColumns &columns, hn::Mask<Floats> higher, FloatVector scores,
+                            LinkWalk *walk) {
+  HWY_ALIGN float score[kLanes];
+  hn::Store(scores, Floats(), score);
+  for (std::uint32_t left = lanes_of(higher); left != 0; left &= left - 1) {
+    const int lane = std::countr_zero(left);
+    if (score[lane] <= walk->best) continue;
+    *walk->next++ = {columns.index[static_cast<std::size_t>(walk->row + lane)], score[lane]};
+    walk->best = score[lane];
+  }
+}
+
 // Without kNear, the position factor of every blob is that of a distant one.
 template <bool kNear>
-HWY_INLINE std::int32_t walk(const LinkColumns &columns, const LinkQuery &query, float enough,
-                             LinkRows rows, float *best, LinkCandidate *out) {
+HWY_INLINE void go_on(const LinkColumns &columns, const LinkQuery &query, std::int32_t limit,
+                      float enough, LinkWalk *result) {
   const Floats d;
-  LinkCandidate *next = out;
-  for (std::int32_t row = rows.begin; row < rows.end && *best < enough;
-       row += static_cast<std::int32_t>(hn::Lanes(d))) {
-    const auto i = static_cast<std::size_t>(row);
+  const hn::RebindToSigned<Floats> indices;
+  const auto lanes = static_cast<std::int32_t>(hn::Lanes(d));
+  LinkWalk walk = *result;
+  for (; walk.row < columns.size && walk.best < enough; walk.row += lanes) {
+    const auto i = static_cast<std::size_t>(walk.row);
+    const auto inside =
+        hn::RebindMask(d, hn::Lt(hn::LoadU(indices, &columns.index[i]), hn::Set(indices, limit)));
     const FloatVector least = hn::LoadU(d, &columns.least[i]);
     const FloatVector bound = hn::Mul(kNear ? hn::Max(nearness(columns, i, query), least) : least,
                                       likeness(columns, i, query.shape));
-    const FloatVector passed = hn::Max(hn::LoadU(d, &columns.taken[i]), hn::Set(d, *best));
-    if (hn::AllFalse(d, hn::Gt(bound, passed))) continue;
-    const FloatVector scores =
-        exact_scores(columns, i, query.shape, kNear ? exact_positions(columns, i, query) : least);
-    HWY_ALIGN float score[kLanes];
-    hn::Store(scores, d, score);
-    std::uint32_t higher = lanes_of(hn::Gt(scores, passed), row, rows.end);
-    for (; higher != 0; higher &= higher - 1) {
-      const int lane = std::countr_zero(higher);
-      if (score[lane] <= *best) continue;
-      *next++ = {row + lane, score[lane]};
-      *best = score[lane];
+    const FloatVector passed = hn::Max(hn::LoadU(d, &columns.taken[i]), hn::Set(d, walk.best));
+    if (!hn::AllFalse(d, hn::And(inside, hn::Gt(bound, passed)))) {
+      const FloatVector scores =
+          exact_scores(columns, i, query.shape, kNear ? exact_positions(columns, i, query) : least);
+      take_rising(columns, hn::And(inside, hn::Gt(scores, passed)), scores, &walk);
+    }
+    if (columns.index[i + static_cast<std::size_t>(lanes) - 1] >= limit) {
+      walk.row += static_cast<std::int32_t>(hn::CountTrue(d, inside));
+      break;
     }
   }
-  return static_cast<std::int32_t>(next - out);
+  *result = walk;
 }
 
-std::int32_t WalkAll(const LinkColumns &columns, const LinkQuery &query, float enough,
-                     LinkRows rows, float *best, LinkCandidate *out) {
-  return walk<true>(columns, query, enough, rows, best, out);
+void WalkAll(const LinkColumns &columns, const LinkQuery &query, std::int32_t limit, float enough,
+             LinkWalk *walk) {
+  go_on<true>(columns, query, limit, enough, walk);
 }
 
-std::int32_t WalkDistant(const LinkColumns &columns, const LinkQuery &query, float enough,
-                         LinkRows rows, float *best, LinkCandidate *out) {
-  return walk<false>(columns, query, enough, rows, best, out);
+void WalkDistant(const LinkColumns &columns, const LinkQuery &query, std::int32_t limit,
+                 float enough, LinkWalk *walk) {
+  go_on<false>(columns, query, limit, enough, walk);
 }
 
 }  // namespace
@@ -179,14 +192,14 @@ std::int32_t likely_near(const LinkColumns &columns, const LinkQuery &query, flo
   return HWY_DYNAMIC_DISPATCH(LikelyNear)(columns, query, above, rows, out);
 }
 
-std::int32_t walk_all(const LinkColumns &columns, const LinkQuery &query, float enough,
-                      LinkRows rows, float *best, LinkCandidate *out) {
-  return HWY_DYNAMIC_DISPATCH(WalkAll)(columns, query, enough, rows, best, out);
+void walk_all(const LinkColumns &columns, const LinkQuery &query, std::int32_t limit, float enough,
+              LinkWalk *walk) {
+  HWY_DYNAMIC_DISPATCH(WalkAll)(columns, query, limit, enough, walk);
 }
 
-std::int32_t walk_distant(const LinkColumns &columns, const LinkQuery &query, float enough,
-                          LinkRows rows, float *best, LinkCandidate *out) {
-  return HWY_DYNAMIC_DISPATCH(WalkDistant)(columns, query, enough, rows, best, out);
+void walk_distant(const LinkColumns &columns, const LinkQuery &query, std::int32_t limit,
+                  float enough, LinkWalk *walk) {
+  HWY_DYNAMIC_DISPATCH(WalkDistant)(columns, query, limit, enough, walk);
 }
 
 }  // namespace nox::pentracker

@@ -9,7 +9,7 @@
 
 namespace nox::pentracker {
 
-// A row whose blob a new blob may be linked to, and how well it fits.
+// A blob that a new blob may be linked to, and how well it fits.
 struct LinkCandidate {
   std::int32_t index;
   float score;
@@ -26,17 +26,22 @@ struct LinkRows {
 std::int32_t likely_near(const LinkColumns &columns, const LinkQuery &query, float above,
                          LinkRows rows, LinkCandidate *out);
 
-// Walks over the rows, first to last, and writes to `out` each that scores above all before it,
-// above `*best` and above what it is taken for, with its exact score; returns how many these are.
-// The walk ends early at a score of `enough`. `*best` becomes the last score. There must be room
-// for as many as there are rows.
-std::int32_t walk_all(const LinkColumns &columns, const LinkQuery &query, float enough,
-                      LinkRows rows, float *best, LinkCandidate *out);
+// A walk over a table whose indices rise, and what it has taken so far: each blob that scores above
+// all before it and above what it is taken for, with its exact score.
+struct LinkWalk {
+  std::int32_t row;     // where it goes on
+  float best;           // the last score
+  LinkCandidate *next;  // where the next one that is taken goes; there must be room for all rows
+};
 
-// The same walk where no blob that is near scores above `*best`, or above any that is not: it need
-// not ask how near they are.
-std::int32_t walk_distant(const LinkColumns &columns, const LinkQuery &query, float enough,
-                          LinkRows rows, float *best, LinkCandidate *out);
+// Walks on over the rows with indices below `limit`; stops early at a score of `enough`.
+void walk_all(const LinkColumns &columns, const LinkQuery &query, std::int32_t limit, float enough,
+              LinkWalk *walk);
+
+// The same where no blob that is near scores above `best`, or above any that is not: there is no
+// need to ask how near they are.
+void walk_distant(const LinkColumns &columns, const LinkQuery &query, std::int32_t limit,
+                  float enough, LinkWalk *walk);
 
 }  // namespace nox::pentracker
 

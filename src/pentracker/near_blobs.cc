@@ -51,13 +51,11 @@ void NearBlobs::build(BlobSpan earlier) {
 void NearBlobs::place(BlobSpan earlier) {
   const std::int32_t rows = first_.back();
   table_.resize(rows);
-  index_.resize(at(rows));
   found_.resize(at(rows));
   for (std::int32_t i = 0; i < earlier.count; ++i) {
     if (cells_[at(i)] == kNone) continue;
     const std::int32_t row = row_of_[at(i)] = first_[at(cells_[at(i)])]++;
-    table_.put(row, earlier.blobs[i]);
-    index_[at(row)] = i;
+    table_.put(row, i, earlier.blobs[i]);
   }
   // Filling has moved every start to that of the next cell.
   std::copy_backward(first_.begin(), first_.end() - 1, first_.end());
@@ -76,7 +74,7 @@ void NearBlobs::find(const LinkQuery &query, float best, std::int32_t from) {
     const std::int32_t count = likely_near(table_, query, best, rows, found_.data());
     for (std::int32_t i = 0; i < count; ++i) {
       const LinkCandidate &found = found_[at(i)];
-      const std::int32_t index = index_[at(found.index)];
+      const std::int32_t index = table_.index[at(found.index)];
       if (index >= from) likely_.push_back({index, found.index, found.score, false});
     }
   }

@@ -43,7 +43,6 @@ class NearBlobs {
   std::vector<std::int32_t> row_of_;  // of each blob: its row in the table, or none
   std::vector<std::int32_t> first_;   // of each cell: its first row; one more closes the last
   LinkColumns table_;                 // cell by cell
-  std::vector<std::int32_t> index_;   // of each row of the table: its blob
   std::vector<LinkCandidate> found_;
   std::vector<Likely> likely_;
   std::vector<LinkCandidate> picked_;

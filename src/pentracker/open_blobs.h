@@ -3,7 +3,6 @@
 #ifndef PENTRACKER_OPEN_BLOBS_H_
 #define PENTRACKER_OPEN_BLOBS_H_
 
-#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -23,7 +22,7 @@ class OpenBlobs {
   // Notes that a successor with this score was found for blob `index`.
   void set_taken(std::int32_t index, float score);
 
-  // Forgets the rows of blobs that have left.
+  // Forgets rows of blobs that have left.
   void tidy();
 
   // No score of a new blob of this shape that is distant is higher.
@@ -32,23 +31,23 @@ class OpenBlobs {
     return position * highest_score(shape.count, shape.inverse_count);
   }
 
+  // The rows of the table from the first one on are in use.
   const LinkColumns &table() const { return table_; }
-  std::int32_t index_of(std::int32_t row) const { return index_[static_cast<std::size_t>(row)]; }
-  // The first row whose blob is `index` or one after it in the list.
-  std::int32_t row_from(std::int32_t index) const {
-    return row_of_[static_cast<std::size_t>(index)];
-  }
+  std::int32_t first_row() const { return first_row_; }
   // The rows of blob `index` and of those right after it in the list, as far as all are open, but
-  // of a few at most.
+  // of a few at most; none if it has left.
   LinkRows rows_in_a_row(std::int32_t index) const;
 
  private:
-  bool is_open(std::int32_t row) const;
+  bool has_left(std::int32_t row) const;
+  std::int32_t end_of_front() const;
+  void forget_left_before(std::int32_t end);
 
-  LinkColumns table_;                 // where kClosed also marks a blob that has left
-  std::vector<std::int32_t> index_;   // of each row: its blob
-  std::vector<std::int32_t> row_of_;  // of each blob: its row, or that of the next one that has any
-  std::int32_t left_ = 0;             // rows of blobs that have left
+  LinkColumns table_;  // where kClosed also marks a blob that has left
+  std::int32_t first_row_ = 0;
+  std::vector<std::int32_t> row_of_;  // of each blob that has not left
+  std::int32_t left_ = 0;             // rows in use of blobs that have left
+  std::int32_t left_lately_ = 0;      // since the last tidying
   std::int32_t open_placeless_ = 0;   // blobs without an expected place
 };
 

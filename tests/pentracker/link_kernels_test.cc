@@ -20,6 +20,7 @@ using pentracker::LinkCandidate;
 using pentracker::LinkColumns;
 using pentracker::LinkQuery;
 using pentracker::LinkRows;
+using pentracker::LinkWalk;
 
 Blob random_blob(std::int32_t largest, Random *random) {
   Blob blob{};
@@ -43,7 +44,7 @@ struct Table {
       if (random->chance(0.5)) {
         blob.successor_score = 0.1F * static_cast<float>(random->between(0, 10));
       }
-      columns.put(i, blob);
+      columns.put(i, 2 * i, blob);
     }
   }
 
@@ -62,7 +63,7 @@ std::vector<LinkCandidate> plain_walk(const Table &table, const LinkQuery &query
     const Blob &blob = table.blobs[Table::at(row)];
     const float score = pentracker::match_score(blob, query);
     if (score <= best || score <= blob.successor_score) continue;
-    taken.push_back({row, score});
+    taken.push_back({2 * row, score});
     best = score;
   }
   return taken;
@@ -91,19 +92,30 @@ class LinkKernelsTest : public hwy::TestWithParamTarget {
 
 HWY_TARGET_INSTANTIATE_TEST_SUITE_P(LinkKernelsTest);
 
+using WalkFunction = decltype(&pentracker::walk_all);
+
+// Walks over the rows, in two stages, and compares what is taken with a walk one by one.
+void compare_walk(WalkFunction walk, const Table &table, const LinkQuery &query, LinkRows rows,
+                  float best) {
+  const std::vector<LinkCandidate> plain = plain_walk(table, query, rows, best);
+  std::vector<LinkCandidate> taken(Table::at(table.columns.size));
+  LinkWalk state{rows.begin, best, taken.data()};
+  walk(table.columns, query, rows.begin + rows.end, 1.0F, &state);
+  if (state.best < 1.0F) {
+    EXPECT_EQ(state.row, (rows.begin + rows.end + 1) / 2);
+  }
+  walk(table.columns, query, 2 * rows.end, 1.0F, &state);
+  ASSERT_EQ(state.next - taken.data(), static_cast<std::ptrdiff_t>(plain.size()));
+  for (std::size_t i = 0; i < plain.size(); ++i) {
+    EXPECT_EQ(taken[i].index, plain[i].index);
+    EXPECT_EQ(taken[i].score, plain[i].score);
+  }
+  EXPECT_EQ(state.best, plain.empty() ? best : plain.back().score);
+}
+
 TEST_P(LinkKernelsTest, WalkAllTakesWhatAWalkOneByOneTakes) {
   for_many([](const Table &table, const LinkQuery &query, LinkRows rows, float best) {
-    const std::vector<LinkCandidate> plain = plain_walk(table, query, rows, best);
-    std::vector<LinkCandidate> taken(Table::at(table.columns.size));
-    float last = best;
-    const std::int32_t count =
-        pentracker::walk_all(table.columns, query, 1.0F, rows, &last, taken.data());
-    ASSERT_EQ(Table::at(count), plain.size());
-    for (std::size_t i = 0; i < plain.size(); ++i) {
-      EXPECT_EQ(taken[i].index, plain[i].index);
-      EXPECT_EQ(taken[i].score, plain[i].score);
-    }
-    EXPECT_EQ(last, plain.empty() ? best : plain.back().score);
+    compare_walk(pentracker::walk_all, table, query, rows, best);
   });
 }
 
@@ -113,17 +125,22 @@ TEST_P(LinkKernelsTest, WalkDistantTakesWhatAWalkOneByOneTakes) {
     Table table = near_table;
     for (std::int32_t i = 0; i < table.columns.size; ++i) {
       table.blobs[Table::at(i)].predicted_x += 200.0F;
-      table.columns.put(i, table.blobs[Table::at(i)]);
+      table.columns.put(i, 2 * i, table.blobs[Table::at(i)]);
     }
+    compare_walk(pentracker::walk_distant, table, query, rows, best);
+  });
+}
+
+TEST_P(LinkKernelsTest, AWalkEndsAtAScoreThatIsEnough) {
+  for_many([](const Table &table, const LinkQuery &query, LinkRows rows, float best) {
     const std::vector<LinkCandidate> plain = plain_walk(table, query, rows, best);
+    if (plain.size() < 2) return;
     std::vector<LinkCandidate> taken(Table::at(table.columns.size));
-    const std::int32_t count =
-        pentracker::walk_distant(table.columns, query, 1.0F, rows, &best, taken.data());
-    ASSERT_EQ(Table::at(count), plain.size());
-    for (std::size_t i = 0; i < plain.size(); ++i) {
-      EXPECT_EQ(taken[i].index, plain[i].index);
-      EXPECT_EQ(taken[i].score, plain[i].score);
-    }
+    LinkWalk state{rows.begin, best, taken.data()};
+    pentracker::walk_all(table.columns, query, 2 * rows.end, plain.front().score, &state);
+    ASSERT_GT(state.next, taken.data());
+    EXPECT_EQ(taken.front().index, plain.front().index);
+    EXPECT_LE(state.row, plain.front().index / 2 + 16) << "at most the vector that holds it";
   });
 }
 
