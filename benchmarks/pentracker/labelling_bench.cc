@@ -24,14 +24,14 @@ using Masks = std::vector<BitMask *>;
 // Masks of consecutive frames, so that blobs move as they do in a video.
 constexpr int kMasks = 16;
 
-// What the tracker labels of the camera scene: its grown masks of one plane. Where nothing moves a
+// What the tracker labels of these pictures: its grown masks of one plane. Where nothing moves a
 // mask can be that of the frame before, which is not labelled again; a pixel in a corner of every
 // second one sees to it that all are.
-Masks scene_masks(BitMask *PenTracker::*mask) {
+Masks tracker_masks(nox::bench::FramePool *pictures, BitMask *PenTracker::*mask) {
   Masks masks;
   PenTracker *tracker = pen_tracker_new();
   for (int i = 0; i < kMasks; ++i) {
-    NoxVideoFrame frame = nox::bench::frame_in(nox::bench::scene_pool().next());
+    NoxVideoFrame frame = nox::bench::frame_in(pictures->next());
     float x, y;
     std::int32_t pressed;
     pen_tracker_process(tracker, &frame, &frame, &x, &y, &pressed);
@@ -128,19 +128,25 @@ void register_all(const std::string &name, const Masks &masks, BlobFilter filter
 
 int main(int argc, char **argv) {
   benchmark::Initialize(&argc, argv);
-  const Masks luma = scene_masks(&PenTracker::luma_dilated);
-  const Masks u = scene_masks(&PenTracker::u_dilated);
-  const Masks v = scene_masks(&PenTracker::v_dilated);
+  nox::bench::FramePool *const scene = &nox::bench::scene_pool();
+  const Masks luma = tracker_masks(scene, &PenTracker::luma_dilated);
+  const Masks u = tracker_masks(scene, &PenTracker::u_dilated);
+  const Masks v = tracker_masks(scene, &PenTracker::v_dilated);
+  nox::bench::FramePool *const white_noise = &nox::bench::noise_pool();
+  const Masks noise_luma = tracker_masks(white_noise, &PenTracker::luma_dilated);
+  const Masks noise_u = tracker_masks(white_noise, &PenTracker::u_dilated);
   const Masks noise = noise_masks();
   register_all("label/scene, luma mask", luma, nullptr);
   register_all("label/scene, U mask", u, chroma_blob_filter);
   register_all("label/scene, V mask", v, chroma_blob_filter);
+  register_all("label/white noise, luma mask", noise_luma, nullptr);
+  register_all("label/white noise, U mask", noise_u, chroma_blob_filter);
   register_all("label/noise mask, the same again", {noise[0]}, nullptr);
   register_all("label/noise masks, regions kept", noise, chroma_blob_filter);
   register_all("label/noise masks, all kept", noise, nullptr);
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
-  for (const Masks *masks : {&luma, &u, &v, &noise}) {
+  for (const Masks *masks : {&luma, &u, &v, &noise_luma, &noise_u, &noise}) {
     for (BitMask *mask : *masks) bitmask_free(mask);
   }
   return 0;
