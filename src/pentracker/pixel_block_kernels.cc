@@ -19,6 +19,8 @@ using PixelVector = hn::Vec<Pixels>;
 // More pixels than this are not read again before they have left the cache: writing past the cache
 // spares reading what was there. 65536 pixels are half a megabyte.
 constexpr std::size_t kStreamFrom = 65536;
+// In shorter rows it is not worth while.
+constexpr std::int32_t kStreamWidth = 64;
 
 std::int32_t lanes() {
   return static_cast<std::int32_t>(hn::Lanes(Pixels()));
@@ -34,33 +36,39 @@ HWY_INLINE PixelVector pixels_from(PixelVector steps, std::int32_t x, std::int32
   return hn::Add(steps, hn::Set(Pixels(), first));
 }
 
+// How many pixels from `out` on lie before the next place that is aligned for vectors.
+HWY_INLINE std::int32_t to_alignment(const BlobPixel *out) {
+  const auto vector = static_cast<std::uintptr_t>(lanes()) * sizeof(BlobPixel);
+  const std::uintptr_t over = reinterpret_cast<std::uintptr_t>(out) % vector;
+  return over == 0 ? 0 : static_cast<std::int32_t>((vector - over) / sizeof(BlobPixel));
+}
+
 // A row of at least a vector. All vectors are aligned but those at the ends, which overlap their
-// neighbours; kStream writes the aligned ones past the cache.
-template <bool kStream>
+// neighbours.
 HWY_INLINE void write_row(PixelVector steps, const PixelBlock &block, std::int32_t y,
                           BlobPixel *out) {
   const Pixels d;
   auto *to = reinterpret_cast<std::uint64_t *>(out);
   const std::int32_t width = block.end - block.begin;
-  const auto bytes = static_cast<std::uintptr_t>(lanes()) * sizeof(BlobPixel);
-  const auto over =
-      static_cast<std::int32_t>(reinterpret_cast<std::uintptr_t>(out) % bytes / sizeof(BlobPixel));
+  hn::StoreU(pixels_from(steps, block.begin, y), d, to);
+  for (std::int32_t i = to_alignment(out); i <= width - lanes(); i += lanes()) {
+    hn::Store(pixels_from(steps, block.begin + i, y), d, to + i);
+  }
+  hn::StoreU(pixels_from(steps, block.end - lanes(), y), d, to + width - lanes());
+}
+
+// The same past the cache. Nothing overlaps: a line that is written both ways costs dearly.
+HWY_INLINE void stream_row(PixelVector steps, const PixelBlock &block, std::int32_t y,
+                           BlobPixel *out) {
+  const Pixels d;
+  auto *to = reinterpret_cast<std::uint64_t *>(out);
+  const std::int32_t width = block.end - block.begin;
   std::int32_t i = 0;
-  if (over != 0) {
-    hn::StoreU(pixels_from(steps, block.begin, y), d, to);
-    i = lanes() - over;
-  }
+  for (; i < to_alignment(out); ++i) write_pixel(out + i, block.begin + i, y);
   for (; i <= width - lanes(); i += lanes()) {
-    const PixelVector pixels = pixels_from(steps, block.begin + i, y);
-    if (kStream) {
-      hn::Stream(pixels, d, to + i);
-    } else {
-      hn::Store(pixels, d, to + i);
-    }
+    hn::Stream(pixels_from(steps, block.begin + i, y), d, to + i);
   }
-  if (i != width) {
-    hn::StoreU(pixels_from(steps, block.end - lanes(), y), d, to + width - lanes());
-  }
+  for (; i < width; ++i) write_pixel(out + i, block.begin + i, y);
 }
 
 // The rows of a block of up to three columns, the most of noise and of the rims of shapes, without
@@ -113,7 +121,11 @@ HWY_INLINE void write_block(PixelVector steps, const PixelBlock &block, BlobPixe
   }
   if (width < lanes()) return write_short_rows(steps, block, out);
   for (std::int32_t y = block.top; y <= block.bottom; ++y, out += width) {
-    write_row<kStream>(steps, block, y, out);
+    if (kStream && width >= kStreamWidth) {
+      stream_row(steps, block, y, out);
+    } else {
+      write_row(steps, block, y, out);
+    }
   }
 }
 
