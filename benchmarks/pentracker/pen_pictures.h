@@ -7,31 +7,11 @@
 
 #include "scenes/pen_scene.h"
 #include "support/frame_pool.h"
+#include "support/full_hd.h"
 #include "support/random.h"
 #include "video/nox_video_frame.h"
 
 namespace nox::bench {
-
-inline constexpr int kWidth = 1920;
-inline constexpr int kHeight = 1080;
-inline constexpr std::size_t kLumaBytes = std::size_t{kWidth} * kHeight;
-inline constexpr std::size_t kFrameBytes = kLumaBytes * 3 / 2;
-
-// One block of memory as an I420 picture without padding.
-inline NoxVideoFrame frame_in(std::uint8_t *block) {
-  NoxVideoFrame frame{};
-  frame.format = kNoxFormatI420;
-  frame.width = kWidth;
-  frame.height = kHeight;
-  frame.n_planes = 3;
-  std::uint8_t *const planes[] = {block, block + kLumaBytes, block + kLumaBytes * 5 / 4};
-  for (int p = 0; p < 3; ++p) {
-    frame.planes[p] = planes[p];
-    frame.strides[p] = frame.plane_widths[p] = p == 0 ? kWidth : kWidth / 2;
-    frame.plane_heights[p] = p == 0 ? kHeight : kHeight / 2;
-  }
-  return frame;
-}
 
 // Consecutive frames of a camera scene; frames of white noise.
 inline FramePool &scene_pool() {

@@ -7,31 +7,10 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "support/full_hd.h"
 #include "support/random.h"
-#include "video/nox_video_frame.h"
 
 namespace nox::bench {
-
-inline constexpr std::int32_t kWidth = 1920;
-inline constexpr std::int32_t kHeight = 1080;
-inline constexpr std::size_t kLumaBytes = std::size_t{kWidth} * kHeight;
-inline constexpr std::size_t kFrameBytes = kLumaBytes * 3 / 2;
-
-// The three planes of a frame that lies in one block of kFrameBytes.
-inline NoxVideoFrame frame_at(std::uint8_t *block) {
-  NoxVideoFrame frame{};
-  frame.format = kNoxFormatI420;
-  frame.width = kWidth;
-  frame.height = kHeight;
-  frame.n_planes = 3;
-  for (int p = 0; p < 3; ++p) {
-    frame.planes[p] = block;
-    frame.strides[p] = frame.plane_widths[p] = p == 0 ? kWidth : kWidth / 2;
-    frame.plane_heights[p] = p == 0 ? kHeight : kHeight / 2;
-    block += std::ptrdiff_t{frame.strides[p]} * frame.plane_heights[p];
-  }
-  return frame;
-}
 
 enum class Picture { kScene, kNoise };
 

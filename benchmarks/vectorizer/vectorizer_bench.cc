@@ -45,7 +45,7 @@ using Process = std::function<void(const NoxVideoFrame &)>;
 void copy_and(benchmark::State &state, Picture picture, int warm_up, const Process &process) {
   FramePool &pool = pool_of(picture);
   const auto copy = std::make_unique_for_overwrite<std::uint8_t[]>(kFrameBytes);
-  const NoxVideoFrame frame = frame_at(copy.get());
+  const NoxVideoFrame frame = frame_in(copy.get());
   const auto step = [&] {
     std::memcpy(copy.get(), pool.next(), kFrameBytes);
     process(frame);

@@ -18,7 +18,7 @@ float step_length(const Blob &from, const Blob &to) {
   return std::sqrt(dx * dx + dy * dy) + kTinyLength;
 }
 
-void walk_all(BlobSpan earlier, Blob *blob) {
+void link_one_by_one(BlobSpan earlier, Blob *blob) {
   const LinkQuery query(*blob);
   LinkTaker taker(blob);
   for (Blob *candidate = earlier.blobs; candidate != earlier.blobs + earlier.count; ++candidate) {
@@ -61,7 +61,7 @@ void BlobLinker::link(BlobSpan earlier, BlobSpan current) {
   if (earlier.count == 0 || current.count == 0) return;
   Blob *const end = current.blobs + current.count;
   if (earlier.count <= kFew) {
-    for (Blob *blob = current.blobs; blob != end; ++blob) walk_all(earlier, blob);
+    for (Blob *blob = current.blobs; blob != end; ++blob) link_one_by_one(earlier, blob);
     return;
   }
   if (crowd_ == nullptr) crowd_ = std::make_unique<CrowdLinker>();

@@ -93,7 +93,6 @@ inline float highest_score(float count, float inverse) {
 class LinkTaker {
  public:
   explicit LinkTaker(Blob *blob) : blob_(blob) {}
-  float best() const { return best_; }
   bool wants(const Blob &earlier, float score) const {
     return score > best_ && score > earlier.successor_score;
   }

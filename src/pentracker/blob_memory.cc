@@ -2,17 +2,10 @@
 
 #include <bit>
 
+#include "pentracker/at.h"
 #include "video/aligned_alloc.h"
 
 namespace nox::pentracker {
-
-namespace {
-
-std::size_t at(std::int32_t i) {
-  return static_cast<std::size_t>(i);
-}
-
-}  // namespace
 
 KeptBlock::~KeptBlock() {
   nox_aligned_free(block_);

@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstring>
 
+#include "pentracker/at.h"
 #include "pentracker/mask_rows.h"
 #include "pentracker/pixel_block_kernels.h"
 
@@ -45,7 +46,7 @@ bool Components::label(const BitMask *mask) {
 // and compared as a whole: most masks change, and these are spared the copy. The bytes behind the
 // rows are compared, too; where only they differ, the mask counts as changed and is labelled again.
 bool Components::is_known(const BitMask *mask) {
-  const auto size = static_cast<std::size_t>(mask->size);
+  const std::size_t size = at(mask->size);
   last_sample_.swap(sample_);
   take_sample(mask);
   if (sample_ != last_sample_) {
@@ -73,7 +74,7 @@ void Components::take_sample(const BitMask *mask) {
 }
 
 void Components::list_components() {
-  const auto groups = static_cast<std::size_t>(groups_.group_count());
+  const std::size_t groups = at(groups_.group_count());
   components_.resize(groups);
   std::size_t count = 0;
   for (std::int32_t group = 0; group < groups_.group_count(); ++group) {
@@ -88,7 +89,7 @@ void Components::list_components() {
     complete(&component);
     first_pixel += component.pixel_count;
   }
-  pixel_count_ = static_cast<std::size_t>(first_pixel);
+  pixel_count_ = at(first_pixel);
 }
 
 // Gives the pixels of each group of the component their place.
@@ -96,7 +97,7 @@ void Components::complete(Component *component) {
   component->box = groups_.group(component->id).box;
   std::int32_t pixel = component->first_pixel;
   for (std::int32_t i = component->id; i != kNoGroup; i = groups_.group(i).next_merged) {
-    first_pixels_[static_cast<std::size_t>(i)] = pixel;
+    first_pixels_[at(i)] = pixel;
     pixel += groups_.group(i).pixel_count;
     extend(&component->box, groups_.group(i).box);
   }

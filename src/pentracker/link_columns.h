@@ -9,6 +9,7 @@
 #include <limits>
 #include <vector>
 
+#include "pentracker/at.h"
 #include "pentracker/blob_links.h"
 
 namespace nox::pentracker {
@@ -36,14 +37,14 @@ struct LinkColumns {
   // Makes all columns `rows` long; each row is to be put then.
   void resize(std::int32_t rows) {
     size = rows;
-    index.resize(static_cast<std::size_t>(rows + kPadding));
+    index.resize(at(rows + kPadding));
     std::fill(index.begin() + rows, index.end(), std::numeric_limits<std::int32_t>::max());
-    for (auto *column : columns()) column->resize(static_cast<std::size_t>(rows + kPadding));
+    for (auto *column : columns()) column->resize(at(rows + kPadding));
     std::fill(taken.begin() + rows, taken.end(), kClosed);
   }
 
   void put(std::int32_t row, std::int32_t blob_index, const Blob &blob) {
-    const auto i = static_cast<std::size_t>(row);
+    const std::size_t i = at(row);
     const BlobShape shape(blob);
     index[i] = blob_index;
     x[i] = blob.predicted_x;
@@ -59,19 +60,19 @@ struct LinkColumns {
   }
 
   void move(std::int32_t from, std::int32_t to) {
-    index[static_cast<std::size_t>(to)] = index[static_cast<std::size_t>(from)];
+    index[at(to)] = index[at(from)];
     for (auto *column : columns()) {
-      (*column)[static_cast<std::size_t>(to)] = (*column)[static_cast<std::size_t>(from)];
+      (*column)[at(to)] = (*column)[at(from)];
     }
   }
 
   void set_taken(std::int32_t row, float score) {
-    const auto i = static_cast<std::size_t>(row);
+    const std::size_t i = at(row);
     taken[i] = score >= highest_score(count[i], inverse_count[i]) ? kClosed : score;
   }
 
   float score(std::int32_t row, const LinkQuery &query) const {
-    const auto i = static_cast<std::size_t>(row);
+    const std::size_t i = at(row);
     const float position =
         least[i] == 1.0F ? 1.0F : position_factor(x[i] - query.x, y[i] - query.y);
     return shape_score(position, count[i], width[i], height[i], query.shape);

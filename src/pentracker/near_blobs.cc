@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <initializer_list>
 
+#include "pentracker/at.h"
+
 namespace nox::pentracker {
 
 namespace {
@@ -14,10 +16,6 @@ constexpr std::int32_t kNone = -1;
 // eight around it hold all that matters. One row and column of cells lies outside the picture on
 // each side, for blobs that are expected there.
 constexpr std::int32_t kCell = 20;
-
-std::size_t at(std::int32_t i) {
-  return static_cast<std::size_t>(i);
-}
 
 }  // namespace
 

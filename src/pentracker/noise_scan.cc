@@ -4,15 +4,12 @@
 #include <bit>
 #include <utility>
 
+#include "pentracker/at.h"
 #include "pentracker/mask_rows.h"
 
 namespace nox::pentracker {
 
 namespace {
-
-std::size_t at(std::int32_t i) {
-  return static_cast<std::size_t>(i);
-}
 
 // Appends the positions of the set bits to `out` and returns the new end.
 std::int32_t *append_bits(std::int32_t *out, std::uint64_t bits, std::int32_t first) {

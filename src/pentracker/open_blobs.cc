@@ -2,15 +2,13 @@
 
 #include <cstddef>
 
+#include "pentracker/at.h"
+
 namespace nox::pentracker {
 
 namespace {
 
 constexpr std::int32_t kNone = -1;
-
-std::size_t at(std::int32_t i) {
-  return static_cast<std::size_t>(i);
-}
 
 }  // namespace
 

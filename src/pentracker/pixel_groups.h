@@ -18,6 +18,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "pentracker/at.h"
+
 namespace nox::pentracker {
 
 struct Box {
@@ -51,15 +53,15 @@ class PixelGroups {
   // only from the next add_group on.
   std::int32_t prepare_group(std::int32_t x, std::int32_t y) {
     const std::int32_t made = group_count_;
-    groups_[index(made)] = {{x, y, x, y}, 0, made, kNoGroup, made};
+    groups_[at(made)] = {{x, y, x, y}, 0, made, kNoGroup, made};
     return made;
   }
   void add_groups(std::int32_t count) { group_count_ += count; }
 
   // Gives a group pixels that follow all those it has.
   void append(const PixelBlock &block) {
-    blocks_[index(block_count_++)] = block;
-    PixelGroup &group = groups_[index(block.group)];
+    blocks_[at(block_count_++)] = block;
+    PixelGroup &group = groups_[at(block.group)];
     group.pixel_count += (block.end - block.begin) * (block.bottom - block.top + 1);
     group.box.min_x = std::min(group.box.min_x, block.begin);
     group.box.max_x = std::max(group.box.max_x, block.end - 1);
@@ -71,30 +73,28 @@ class PixelGroups {
     const std::int32_t kept = root(small);
     const std::int32_t absorbed = root(large);
     if (kept == absorbed) return;
-    groups_[index(absorbed)].parent = kept;
-    groups_[index(groups_[index(kept)].last_merged)].next_merged = absorbed;
-    groups_[index(kept)].last_merged = groups_[index(absorbed)].last_merged;
+    groups_[at(absorbed)].parent = kept;
+    groups_[at(groups_[at(kept)].last_merged)].next_merged = absorbed;
+    groups_[at(kept)].last_merged = groups_[at(absorbed)].last_merged;
   }
 
   std::int32_t group_count() const { return group_count_; }
-  const PixelGroup &group(std::int32_t i) const { return groups_[index(i)]; }
+  const PixelGroup &group(std::int32_t i) const { return groups_[at(i)]; }
 
   // The blocks, in an order in which those of one group follow each other as its pixels do.
   const PixelBlock *blocks() const { return blocks_.data(); }
   std::int32_t block_count() const { return block_count_; }
 
  private:
-  static std::size_t index(std::int32_t i) { return static_cast<std::size_t>(i); }
-
   template <typename T>
   static void grow(std::vector<T> *table, std::int32_t count) {
-    if (table->size() < index(count)) table->resize(2 * index(count));
+    if (table->size() < at(count)) table->resize(2 * at(count));
   }
 
   std::int32_t root(std::int32_t i) {
-    while (groups_[index(i)].parent != i) {
-      std::int32_t &parent = groups_[index(i)].parent;
-      parent = groups_[index(parent)].parent;
+    while (groups_[at(i)].parent != i) {
+      std::int32_t &parent = groups_[at(i)].parent;
+      parent = groups_[at(parent)].parent;
       i = parent;
     }
     return i;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "masks/bitmask.h"
+#include "pentracker/at.h"
 #include "pentracker/mask_rows.h"
 #include "pentracker/pixel_groups.h"
 
@@ -61,7 +62,7 @@ class ShapeScan {
   void set_end(std::int32_t i, std::int32_t end);
   void hand_over(Segment *s);
 
-  Segment &segment(std::int32_t i) { return segments_[static_cast<std::size_t>(i)]; }
+  Segment &segment(std::int32_t i) { return segments_[at(i)]; }
 
   std::int32_t width_, height_;
   std::int32_t y_ = 0;               // the row that is scanned
