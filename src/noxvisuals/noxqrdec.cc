@@ -15,15 +15,15 @@
 
 #include <gst/video/gstvideofilter.h>
 #include <gst/video/video.h>
-#include <quirc.h>
 
-#include <cstddef>
 #include <cstdint>
-#include <cstring>
+#include <utility>
+
+#include "qr/decoder.h"
 
 struct NoxQRDec {
   GstVideoFilter parent;
-  quirc *decoder;  // owned
+  nox::qr::Decoder *decoder;  // owned
 };
 
 struct NoxQRDecClass {
@@ -50,46 +50,28 @@ NoxQRDec *nox_qr_dec_cast(gpointer object) {
   return G_TYPE_CHECK_INSTANCE_CAST(object, nox_qr_dec_get_type(), NoxQRDec);
 }
 
-// quirc's image has no row padding, GStreamer's planes may have.
-void copy_luma(std::uint8_t *image, const GstVideoFrame *frame) {
-  const auto width = static_cast<std::size_t>(GST_VIDEO_FRAME_WIDTH(frame));
-  const auto *row = static_cast<const std::uint8_t *>(GST_VIDEO_FRAME_PLANE_DATA(frame, 0));
-  const std::ptrdiff_t stride = GST_VIDEO_FRAME_COMP_STRIDE(frame, 0);
-  for (int y = 0; y < GST_VIDEO_FRAME_HEIGHT(frame); ++y) {
-    std::memcpy(image, row, width);
-    image += width;
-    row += stride;
-  }
-}
-
-// A code that is found but cannot be decoded is skipped without a word.
-void log_payloads(NoxQRDec *self) {
-  const int count = quirc_count(self->decoder);
-  for (int i = 0; i < count; ++i) {
-    quirc_code code;
-    quirc_data data;
-    quirc_extract(self->decoder, i, &code);
-    if (quirc_decode(&code, &data) != QUIRC_SUCCESS) continue;
-    GST_INFO_OBJECT(self, "Got QR Payload: %s", reinterpret_cast<const char *>(data.payload));
-  }
+nox::qr::Luma luma_of(const GstVideoFrame *frame) {
+  return {static_cast<const std::uint8_t *>(GST_VIDEO_FRAME_PLANE_DATA(frame, 0)),
+          GST_VIDEO_FRAME_COMP_STRIDE(frame, 0), GST_VIDEO_FRAME_WIDTH(frame),
+          GST_VIDEO_FRAME_HEIGHT(frame)};
 }
 
 GstFlowReturn nox_qr_dec_transform_frame_ip(GstVideoFilter *filter, GstVideoFrame *frame) {
   NoxQRDec *self = nox_qr_dec_cast(filter);
-  const int width = GST_VIDEO_FRAME_WIDTH(frame);
-  const int height = GST_VIDEO_FRAME_HEIGHT(frame);
-  // Only memory can fail here. The decoder then keeps an image of the earlier size, into which this
-  // frame does not fit: it passes unread, and the stream goes on.
-  if (quirc_resize(self->decoder, width, height) < 0) return GST_FLOW_OK;
-  copy_luma(quirc_begin(self->decoder, nullptr, nullptr), frame);
-  quirc_end(self->decoder);
-  log_payloads(self);
+  // A frame for which there is no memory passes unread, and the stream goes on.
+  if (!self->decoder->decode(luma_of(frame))) return GST_FLOW_OK;
+  // A code that is found but cannot be read is skipped without a word. The text ends at the
+  // payload's first NUL.
+  for (const nox::qr::Code &code : self->decoder->codes()) {
+    if (code.error != nullptr) continue;
+    GST_INFO_OBJECT(self, "Got QR Payload: %s", code.payload.c_str());
+  }
   return GST_FLOW_OK;
 }
 
 void nox_qr_dec_dispose(GObject *object) {
   // Cleared, since GObject may dispose an object more than once.
-  g_clear_pointer(&nox_qr_dec_cast(object)->decoder, quirc_destroy);
+  delete std::exchange(nox_qr_dec_cast(object)->decoder, nullptr);
   G_OBJECT_CLASS(nox_qr_dec_parent_class)->dispose(object);
 }
 
@@ -119,5 +101,5 @@ static void nox_qr_dec_init(NoxQRDec *self) {
   // late.
   gst_base_transform_set_gap_aware(transform, TRUE);
   gst_base_transform_set_qos_enabled(transform, FALSE);
-  self->decoder = quirc_new();
+  self->decoder = new nox::qr::Decoder;
 }

@@ -1,18 +1,20 @@
 // noxqrdec in harnesses and pipelines, on generated scenes.
 #include <gst/video/gstvideofilter.h>
 #include <gtest/gtest.h>
-#include <quirc.h>
 #include <sys/resource.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <vector>
 
-#include "noxvisuals/qr_picture.h"
+#include "qr/decoder.h"
+#include "scenes/qr_scene.h"
 #include "support/harness.h"
 #include "support/log_capture.h"
 #include "support/pipeline.h"
+#include "support/qr_picture.h"
 #include "support/quick.h"
 #include "support/random.h"
 #include "support/video_buffer.h"
@@ -61,23 +63,20 @@ TEST(NoxQrDec, LogsOneCodeAtInfoWithTheElementAsObject) {
   EXPECT_EQ(lines[0].object, G_OBJECT(dec.get()->element));
 }
 
-// What the decoder itself reads from the luma plane, in the order of its indices.
-Messages read_directly(const NoxVideoFrame &frame) {
-  quirc *decoder = quirc_new();
-  quirc_resize(decoder, frame.width, frame.height);
-  std::uint8_t *image = quirc_begin(decoder, nullptr, nullptr);
-  std::copy_n(frame.planes[0], frame.width * frame.height, image);
-  quirc_end(decoder);
-  Messages payloads;
-  for (int i = 0; i < quirc_count(decoder); ++i) {
-    quirc_code code;
-    quirc_data data;
-    quirc_extract(decoder, i, &code);
-    if (quirc_decode(&code, &data) != QUIRC_SUCCESS) continue;
-    payloads.emplace_back(reinterpret_cast<const char *>(data.payload));
+// What the core reads from the luma plane, as the element logs it: in the order of the decoder's
+// indices, and only up to a NUL.
+Messages lines_of_the_core(const qr::Luma &luma) {
+  qr::Decoder decoder;
+  decoder.decode(luma);
+  Messages lines;
+  for (const qr::Code &code : decoder.codes()) {
+    if (code.error == nullptr)
+      lines.push_back("Got QR Payload: " + code.payload.substr(0, code.payload.find('\0')));
   }
-  quirc_destroy(decoder);
-  return payloads;
+  return lines;
+}
+Messages lines_of_the_core(const NoxVideoFrame &frame) {
+  return lines_of_the_core({frame.planes[0], frame.strides[0], frame.width, frame.height});
 }
 
 TEST(NoxQrDec, LogsSeveralCodesInIndexOrderOncePerFrame) {
@@ -85,15 +84,88 @@ TEST(NoxQrDec, LogsSeveralCodesInIndexOrderOncePerFrame) {
   QrDec dec;
   dec.set_size(720, 240);
   const QrPicture picture(720, 240, {"left", "middle", "right"});
-  const Messages payloads = read_directly(picture.frame());
-  ASSERT_EQ(payloads.size(), 3U);
+  Messages expected = lines_of_the_core(picture.frame());
+  ASSERT_EQ(expected.size(), 3U);
   dec.push_picture(picture);
   dec.push_picture(picture);
-  Messages expected;
-  for (int frame = 0; frame < 2; ++frame) {
-    for (const std::string &payload : payloads) expected.push_back("Got QR Payload: " + payload);
-  }
+  expected.insert(expected.end(), {expected[0], expected[1], expected[2]});
   EXPECT_EQ(log.messages(), expected);
+}
+
+TEST(NoxQrDec, LogsAPayloadUpToItsFirstNul) {
+  const LogCapture log(kCategory, GST_LEVEL_INFO);
+  QrDec dec;
+  dec.set_size(320, 240);
+  dec.push_picture(QrPicture(320, 240, {std::string("seen\0unseen", 11)}));
+  EXPECT_EQ(log.messages(), Messages{"Got QR Payload: seen"});
+}
+
+TEST(NoxQrDec, LogsWhatTheCoreReads) {
+  const int frames = quick() ? 4 : 40;
+  NoxVideoFrame frame;
+  nox_video_frame_alloc(&frame, kNoxFormatI420, 640, 240);
+  scenes::QrScene scene(640, 240, {"one", std::string("t\0wo", 4), "three: a longer text"});
+  QrDec dec;
+  dec.set_size(640, 240);
+  std::size_t read = 0;
+  for (int index = 0; index < frames; ++index) {
+    SCOPED_TRACE(index);
+    const LogCapture log(kCategory, GST_LEVEL_INFO);
+    scene.render(static_cast<std::uint32_t>(index) * 7, &frame);
+    GstBuffer *buffer = new_video_buffer(dec.info());
+    write_picture(buffer, dec.info(), frame);
+    dec.push(buffer);
+    const Messages expected = lines_of_the_core(frame);
+    EXPECT_EQ(log.messages(), expected);
+    read += expected.size();
+  }
+  EXPECT_GT(read, static_cast<std::size_t>(2 * frames));
+  nox_video_frame_free_planes(&frame);
+}
+
+// Adds what the core reads from the buffers that pass a pad to the list given as data.
+GstPadProbeReturn read_with_the_core(GstPad *pad, GstPadProbeInfo *probe, gpointer lines) {
+  const CapsPtr caps(gst_pad_get_current_caps(pad));
+  GstVideoInfo info;
+  GstVideoFrame frame;
+  gst_video_info_from_caps(&info, caps.get());
+  gst_video_frame_map(&frame, &info, GST_PAD_PROBE_INFO_BUFFER(probe), GST_MAP_READ);
+  const auto *samples = static_cast<const std::uint8_t *>(GST_VIDEO_FRAME_PLANE_DATA(&frame, 0));
+  const Messages read =
+      lines_of_the_core({samples, GST_VIDEO_FRAME_COMP_STRIDE(&frame, 0), info.width, info.height});
+  gst_video_frame_unmap(&frame);
+  auto *all = static_cast<Messages *>(lines);
+  all->insert(all->end(), read.begin(), read.end());
+  return GST_PAD_PROBE_OK;
+}
+
+// Real photographs, where they lie beside the project.
+TEST(NoxQrDec, LogsWhatTheCoreReadsFromPhotographs) {
+  const char *folder = std::getenv("NOX_QR_PHOTOS");
+  if (folder == nullptr || !std::filesystem::exists(folder)) {
+    GTEST_SKIP() << "no photographs of QR codes beside the project";
+  }
+  if (quick()) GTEST_SKIP() << "takes too long here";
+  std::size_t read = 0;
+  for (const auto &file : std::filesystem::directory_iterator(folder)) {
+    if (file.path().extension() != ".png") continue;
+    SCOPED_TRACE(file.path());
+    const LogCapture log(kCategory, GST_LEVEL_INFO);
+    Messages expected;
+    const std::string description =
+        "filesrc location=" + file.path().string() +
+        " ! pngdec ! videoconvert ! video/x-raw,format=I420 ! noxqrdec name=dec ! fakesink";
+    const std::string error = run_pipeline(description, [&expected](GstElement *pipeline) {
+      const ObjectPtr<GstElement> dec(gst_bin_get_by_name(GST_BIN(pipeline), "dec"));
+      const ObjectPtr<GstPad> sink(gst_element_get_static_pad(dec.get(), "sink"));
+      gst_pad_add_probe(sink.get(), GST_PAD_PROBE_TYPE_BUFFER, read_with_the_core, &expected,
+                        nullptr);
+    });
+    EXPECT_EQ(error, "");
+    EXPECT_EQ(log.messages(), expected);
+    read += expected.size();
+  }
+  EXPECT_GT(read, 0U);
 }
 
 TEST(NoxQrDec, ReadsRowsWithPadding) {

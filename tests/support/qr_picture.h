@@ -1,6 +1,6 @@
-// Pictures with QR codes for the tests of noxqrdec.
-#ifndef NOXVISUALS_QR_PICTURE_H_
-#define NOXVISUALS_QR_PICTURE_H_
+// Pictures with QR codes for the tests of those who read them.
+#ifndef SUPPORT_QR_PICTURE_H_
+#define SUPPORT_QR_PICTURE_H_
 
 #include <algorithm>
 #include <string>
@@ -42,4 +42,4 @@ class QrPicture {
 
 }  // namespace nox::test
 
-#endif  // NOXVISUALS_QR_PICTURE_H_
+#endif  // SUPPORT_QR_PICTURE_H_
