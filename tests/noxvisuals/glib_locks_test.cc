@@ -1,5 +1,5 @@
-// What ThreadSanitizer says of memory that GLib's locks keep apart, and of memory that nothing does:
-// the first is what support/glib_locks.cc is for, the second shows that it hides nothing.
+// What ThreadSanitizer says of memory that GLib's locks keep apart, and of memory that nothing
+// does: the first is what support/glib_locks.cc is for, the second shows that it hides nothing.
 #include <glib.h>
 #include <gtest/gtest.h>
 
