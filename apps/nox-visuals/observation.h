@@ -24,6 +24,12 @@ struct Moment {
   std::int64_t entered_ns = 0;          // monotonic: when the frame came to the element
 };
 
+// The time that steps and speeds reckon with: the stream's own where it has one, so that a file
+// that is read as fast as it goes gives what it gave when it was live.
+inline std::int64_t stream_ns(const Moment &when) {
+  return when.pts_ns.value_or(when.entered_ns);
+}
+
 struct Pen {
   Moment when;
   Point at;  // on the surface
