@@ -3,13 +3,12 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
-#include <span>
 #include <vector>
 
+#include "masks/known_shapes.h"
 #include "masks/morphology_general.h"
 #include "masks/morphology_pass.h"
 #include "masks/morphology_plan.h"
-#include "masks/morphology_shapes.h"
 #include "video/aligned_alloc.h"
 
 namespace {
@@ -17,19 +16,10 @@ namespace {
 using nox::masks::ElementPlan;
 using nox::masks::MorphologyPass;
 
-constexpr std::int32_t kRowBlock = 16;
-
 // Twice the lane for every 8 columns, so that a pixel's sources never leave the two lanes at hand.
 std::int32_t lane_bits_for(std::int32_t width) {
   constexpr std::int32_t kLargest = 30;
   return 1 << std::min((std::max(width, 0) + 7) / 8 + 2, kLargest);
-}
-
-// Of an element of 1 to 24 columns.
-std::uint32_t row_pattern(const StructuringElement &element, std::int32_t row) {
-  std::uint32_t pattern;
-  std::memcpy(&pattern, element.rows + static_cast<std::ptrdiff_t>(row) * kRowBlock, 4);
-  return pattern & ((std::uint32_t{1} << element.width) - 1);
 }
 
 MorphologyPass make_pass(BitMask *dst, const BitMask &src, const StructuringElement &element) {
@@ -39,41 +29,11 @@ MorphologyPass make_pass(BitMask *dst, const BitMask &src, const StructuringElem
   return {src.data, dst->data, src.stride, dst->stride, src.height, bytes, element.lane_bytes};
 }
 
-using ShapeKernel = void(const MorphologyPass &);
-
-struct KnownShape {
-  std::int32_t width;
-  std::span<const std::uint32_t> rows;
-  ShapeKernel *erode;
-  ShapeKernel *dilate;
-};
-
-constexpr KnownShape kKnownShapes[] = {
-    {nox::masks::kBox3.width, nox::masks::kBox3.rows, nox::masks::erode_box3,
-     nox::masks::dilate_box3},
-    {nox::masks::kCross3.width, nox::masks::kCross3.rows, nox::masks::erode_cross3,
-     nox::masks::dilate_cross3},
-    {nox::masks::kDisc15.width, nox::masks::kDisc15.rows, nox::masks::erode_disc15,
-     nox::masks::dilate_disc15},
-};
-
-const KnownShape *find_known_shape(const StructuringElement &element) {
-  for (const KnownShape &shape : kKnownShapes) {
-    const auto height = static_cast<std::int32_t>(shape.rows.size());
-    if (element.width != shape.width || element.height != height) continue;
-    if (element.anchor_x != shape.width / 2 || element.anchor_y != height / 2) continue;
-    std::int32_t r = 0;
-    while (r < height && row_pattern(element, r) == shape.rows[static_cast<std::size_t>(r)]) ++r;
-    if (r == height) return &shape;
-  }
-  return nullptr;
-}
-
 // The element's rows with only the columns of `columns`.
 ElementPlan plan_columns(const StructuringElement &element, std::uint32_t columns) {
   std::vector<std::uint32_t> rows;
   for (std::int32_t r = 0; r < element.height; ++r) {
-    rows.push_back(row_pattern(element, r) & columns);
+    rows.push_back(nox::masks::row_pattern(element, r) & columns);
   }
   return nox::masks::plan_element(rows, element.anchor_y);
 }
@@ -120,16 +80,16 @@ StructuringElement *structuring_element_new(const std::uint8_t *members, std::in
   element->anchor_y = height / 2;
   element->lane_bits = lane_bits_for(width);
   element->lane_bytes = element->lane_bits / 8;
-  element->rows = static_cast<std::uint8_t *>(
-      nox_aligned_alloc(kNoxAlignment, static_cast<std::size_t>(std::max(height, 0)) * kRowBlock));
+  element->rows = static_cast<std::uint8_t *>(nox_aligned_alloc(
+      kNoxAlignment, static_cast<std::size_t>(std::max(height, 0)) * kElementRowBytes));
   const auto lane = static_cast<std::size_t>(std::clamp(element->lane_bytes, 1, 4));
   for (std::ptrdiff_t r = 0; r < height; ++r) {
     std::uint32_t pattern = 0;
     for (std::int32_t c = 0; c < std::min(width, 32); ++c) {
       if (members[r * width + c] != 0) pattern |= std::uint32_t{1} << c;
     }
-    for (std::size_t i = 0; i < kRowBlock; ++i) {
-      element->rows[r * kRowBlock + static_cast<std::ptrdiff_t>(i)] =
+    for (std::size_t i = 0; i < kElementRowBytes; ++i) {
+      element->rows[r * kElementRowBytes + static_cast<std::ptrdiff_t>(i)] =
           static_cast<std::uint8_t>(pattern >> (8 * (i % lane)));
     }
   }
@@ -150,7 +110,7 @@ void bitmask_morph(BitMask *dst, const BitMask *src, const StructuringElement *e
   if (src->width <= 0) return;
   const MorphologyPass pass = make_pass(dst, *src, *element);
   const bool dilate = operation == kBitmaskDilate;
-  if (const KnownShape *shape = find_known_shape(*element)) {
+  if (const auto *shape = nox::masks::find_known_shape(*element)) {
     (dilate ? shape->dilate : shape->erode)(pass);
   } else {
     (dilate ? dilate_any : erode_any)(pass, *element);

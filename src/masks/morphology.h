@@ -6,10 +6,13 @@
 
 #include "masks/bitmask.h"
 
+// Bytes that a row of a structuring element takes.
+inline constexpr std::int32_t kElementRowBytes = 16;
+
 // A binary shape of `width` columns and `height` rows around an anchor. Column c of a row is bit c
-// of its pattern; a row's 16 bytes hold the pattern repeated in lanes of lane_bits bits.
+// of its pattern; a row's bytes hold the pattern repeated in lanes of lane_bits bits.
 struct StructuringElement {
-  std::uint8_t *rows;  // owned, `height` blocks of 16 bytes; aligned to kNoxAlignment
+  std::uint8_t *rows;  // owned, kElementRowBytes for each row; aligned to kNoxAlignment
   std::int32_t width;
   std::int32_t height;
   std::int32_t anchor_x;    // width / 2

@@ -39,6 +39,7 @@ struct alignas(kNoxAlignment) Blob {
 };
 
 // Tells whether to keep a blob whose shape is known and whose links are not: nonzero keeps it.
+// While a list asks it, the list counts no blobs.
 using BlobFilter = int (*)(const Blob *blob, void *data);
 
 // Frames of which the blobs are remembered, the current one included.

@@ -8,7 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "masks/known_shapes.h"
 #include "masks/mask_maker.h"
+#include "masks/morphology_shapes.h"
 #include "masks/shapes.h"
 #include "support/random.h"
 
@@ -79,6 +81,46 @@ TEST(StructuringElementTest, FreeOfNullDoesNothing) {
 
 TEST(StructuringElementTest, DiscHas177Members) {
   EXPECT_EQ(member_count(disc15()), 177);
+}
+
+TEST(KnownShapesTest, AreTheModulesShapesWithTheirKernels) {
+  namespace masks = nox::masks;
+  const struct {
+    Shape shape;
+    masks::ShapeKernel *erode;
+    masks::ShapeKernel *dilate;
+  } known[] = {{box(3, 3), masks::erode_box3, masks::dilate_box3},
+               {cross3(), masks::erode_cross3, masks::dilate_cross3},
+               {disc15(), masks::erode_disc15, masks::dilate_disc15}};
+  for (const auto &[shape, erode, dilate] : known) {
+    const masks::KnownShape *found = masks::find_known_shape(*make_element(shape));
+    ASSERT_NE(found, nullptr);
+    EXPECT_EQ(found->erode, erode);
+    EXPECT_EQ(found->dilate, dilate);
+  }
+}
+
+TEST(KnownShapesTest, OneMemberMoreOrLessIsAnotherShape) {
+  for (const Shape &shape : {box(3, 3), cross3(), disc15()}) {
+    for (std::size_t i = 0; i < shape.members.size(); ++i) {
+      Shape other = shape;
+      other.members[i] ^= 1;
+      const nox::masks::KnownShape *found = nox::masks::find_known_shape(*make_element(other));
+      EXPECT_EQ(found, nullptr) << "member " << i << " of " << shape.width << " columns";
+    }
+  }
+  for (const Shape &other : {box(3, 2), box(2, 3), box(15, 15), box(4, 3), box(3, 4)}) {
+    EXPECT_EQ(nox::masks::find_known_shape(*make_element(other)), nullptr);
+  }
+}
+
+TEST(KnownShapesTest, AnotherAnchorIsAnotherShape) {
+  for (std::int32_t StructuringElement::*anchor :
+       {&StructuringElement::anchor_x, &StructuringElement::anchor_y}) {
+    const ElementPtr element = make_element(cross3());
+    --((*element).*anchor);
+    EXPECT_EQ(nox::masks::find_known_shape(*element), nullptr);
+  }
 }
 
 TEST(MorphologyTest, ErodingAFullMaskClearsOnlyTheBorder) {

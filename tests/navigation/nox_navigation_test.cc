@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
 namespace {
@@ -77,10 +78,46 @@ TEST(NoxNavigation, HandsThePositionToTheObject) {
   EXPECT_FALSE(positions[1].pressed);
 }
 
+// What was logged while it lives, in place of GLib's own answer.
+class CriticalLog {
+ public:
+  CriticalLog() : handler_(g_log_set_handler(nullptr, G_LOG_LEVEL_CRITICAL, collect, this)) {}
+  ~CriticalLog() { g_log_remove_handler(nullptr, handler_); }
+  CriticalLog(const CriticalLog &) = delete;
+  CriticalLog &operator=(const CriticalLog &) = delete;
+
+  const std::vector<std::string> &messages() const { return messages_; }
+
+ private:
+  static void collect(const gchar * /*domain*/, GLogLevelFlags /*level*/, const gchar *message,
+                      gpointer self) {
+    static_cast<CriticalLog *>(self)->messages_.emplace_back(message);
+  }
+
+  std::vector<std::string> messages_;
+  guint handler_;
+};
+
 TEST(NoxNavigation, IgnoresAnObjectWithoutTheMethod) {
+  const CriticalLog log;
   auto *deaf = static_cast<Deaf *>(g_object_new(deaf_get_type(), nullptr));
   nox_navigation_new_position(NOX_NAVIGATION(deaf), 0.5F, 0.5F, TRUE);
+  EXPECT_EQ(G_OBJECT(deaf)->ref_count, 1U);
   g_object_unref(deaf);
+  EXPECT_TRUE(log.messages().empty());
+}
+
+TEST(NoxNavigation, RefusesNothingAndObjectsOfOtherTypesWithACritical) {
+  const CriticalLog log;
+  nox_navigation_new_position(nullptr, 0.5F, 0.5F, TRUE);
+  EXPECT_EQ(log.messages().size(), 1U);
+  GObject *other = G_OBJECT(g_object_new(G_TYPE_OBJECT, nullptr));
+  nox_navigation_new_position(reinterpret_cast<NoxNavigation *>(other), 0.5F, 0.5F, TRUE);
+  g_object_unref(other);
+  ASSERT_EQ(log.messages().size(), 2U);
+  for (const std::string &message : log.messages()) {
+    EXPECT_NE(message.find("NOX_IS_NAVIGATION"), std::string::npos) << message;
+  }
 }
 
 }  // namespace

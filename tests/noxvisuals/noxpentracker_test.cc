@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "navigation/nox_navigation.h"
 #include "noxvisuals/fake_navigation.h"
 #include "noxvisuals/pen_buffer.h"
 #include "pentracker/pen_tracker.h"
@@ -340,6 +341,32 @@ TEST(NoxPenTracker, DescribesItsProperty) {
   EXPECT_STREQ(g_param_spec_get_blurb(spec), "An object implementing the NoxNavigation Interface");
   EXPECT_STREQ(g_type_name(spec->value_type), "NoxNavigation");
   EXPECT_EQ(spec->flags & G_PARAM_READWRITE, G_PARAM_READWRITE);
+}
+
+TEST(NoxPenTracker, WarnsOfAWrongPropertyIdAndLeavesTheValuesAlone) {
+  NavigationRecord record;
+  GObject *navigation = fake_navigation_new(&record);
+  Tracker tracker;
+  GObject *element = G_OBJECT(tracker.element());
+  g_object_set(element, "navigation-object", navigation, nullptr);
+  GObjectClass *klass = G_OBJECT_GET_CLASS(element);
+  GParamSpec *pspec = g_object_class_find_property(klass, "navigation-object");
+  GValue value = G_VALUE_INIT;
+  g_value_init(&value, NOX_TYPE_NAVIGATION);
+  for (const guint id : {0U, 2U}) {
+    const std::string message = "*invalid property id " + std::to_string(id) + "*";
+    g_test_expect_message(nullptr, G_LOG_LEVEL_WARNING, message.c_str());
+    klass->set_property(element, id, &value, pspec);
+    g_test_assert_expected_messages();
+    g_test_expect_message(nullptr, G_LOG_LEVEL_WARNING, message.c_str());
+    klass->get_property(element, id, &value, pspec);
+    g_test_assert_expected_messages();
+    EXPECT_EQ(g_value_get_object(&value), nullptr) << id;
+    EXPECT_EQ(navigation->ref_count, 2U) << id;
+  }
+  g_value_unset(&value);
+  g_object_set(element, "navigation-object", nullptr, nullptr);
+  g_object_unref(navigation);
 }
 
 TEST(NoxPenTracker, SurvivesDisposeTwice) {

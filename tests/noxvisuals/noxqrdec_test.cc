@@ -168,6 +168,17 @@ TEST(NoxQrDec, LogsWhatTheCoreReadsFromPhotographs) {
   EXPECT_GT(read, 0U);
 }
 
+TEST(NoxQrDec, LogsOneCodeOnceBehindAFrameOfThree) {
+  const LogCapture log(kCategory, GST_LEVEL_INFO);
+  QrDec dec;
+  dec.set_size(720, 240);
+  dec.push_picture(QrPicture(720, 240, {"left", "middle", "right"}));
+  ASSERT_EQ(log.lines().size(), 3U);
+  dec.push_picture(QrPicture(720, 240, {"middle"}));
+  ASSERT_EQ(log.lines().size(), 4U);
+  EXPECT_EQ(log.messages().back(), "Got QR Payload: middle");
+}
+
 TEST(NoxQrDec, ReadsRowsWithPadding) {
   for (const int padding : {1, 4, 64}) {
     SCOPED_TRACE(padding);

@@ -2,9 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "pentracker/blob_compare.h"
@@ -148,6 +152,53 @@ TEST(BlobList, HistoryScoreNeedsThirtyFrames) {
   }
 }
 
+// 0.01 itself is a link, and its float is what the contract means.
+TEST(BlobList, HistoryScoreOfLinksOfExactlyOneHundredthCounts) {
+  std::vector<Blob> chain(30);
+  for (std::size_t i = 1; i < chain.size(); ++i) {
+    chain[i].previous = &chain[i - 1];
+    chain[i].match_score = 0.01F;
+  }
+  float sum = 0.0F;
+  for (int link = 0; link < 29; ++link) sum += 0.01F;
+  EXPECT_EQ(blob_history_score(&chain.back()), sum);
+  chain[1].match_score = std::nextafter(0.01F, 0.0F);
+  EXPECT_EQ(blob_history_score(&chain.back()), 0.0F);
+}
+
+using Pixels = std::vector<std::pair<std::int32_t, std::int32_t>>;
+
+Pixels pixels_of(const Blob &blob) {
+  Pixels pixels;
+  for (std::int32_t i = 0; i < blob.pixel_count; ++i) {
+    pixels.emplace_back(blob.pixels[i].x, blob.pixels[i].y);
+  }
+  return pixels;
+}
+
+// Frames whose masks are the same share their pixels, which outlive the first of them.
+TEST(BlobList, KeepsThePixelsOfThirtyFrames) {
+  const ListPtr list = make_list(40, 9);
+  Random random(15);
+  std::deque<Pixels> labelled;  // of each frame's first blob, the current frame's in front
+  std::int32_t left = 0;
+  for (int frame = 0; frame < 300; ++frame) {
+    if (frame % 50 > 12) left = random.between(0, 30);  // it rests for a dozen frames, then moves
+    const MaskPtr mask = mask_where(40, 9, [&](std::int32_t x, std::int32_t y) {
+      return x >= left && x <= left + y && y >= 3;
+    });
+    ASSERT_EQ(blob_list_label(list.get(), mask.get()), 1);
+    labelled.push_front(pixels_of(*blob_list_get(list.get(), 0)));
+    if (labelled.size() > kBlobHistory) labelled.pop_back();
+    for (std::size_t age = 0; age < labelled.size(); ++age) {
+      const auto slot =
+          (static_cast<std::size_t>(list->history_index) + kBlobHistory - age) % kBlobHistory;
+      ASSERT_EQ(pixels_of(list->history[slot][0]), labelled[age])
+          << "frame " << frame << ", " << age << " frames ago";
+    }
+  }
+}
+
 TEST(BlobList, CountIsZeroBeforeTheFirstLabelling) {
   EXPECT_EQ(blob_list_count(make_list(8, 8).get()), 0);
   blob_list_free(nullptr);
@@ -177,6 +228,21 @@ TEST(BlobList, FilterSeesEveryBlobAndDropsSome) {
     ASSERT_TRUE(same_blobs(list.get(), plain)) << "frame " << frame;
   }
   EXPECT_EQ(calls, all);
+}
+
+int keep_and_count(const Blob * /*blob*/, void *list) {
+  EXPECT_EQ(blob_list_count(static_cast<const BlobList *>(list)), 0);
+  return 1;
+}
+
+// In every round of the ring, whose slots hold the counts of earlier frames.
+TEST(BlobList, HasNoBlobsWhileItsFilterRuns) {
+  const ListPtr list = make_list(5, 1);
+  blob_list_set_filter(list.get(), keep_and_count, list.get());
+  const MaskPtr mask = mask_of({"#.#.#"});
+  for (int frame = 0; frame < 65; ++frame) {
+    ASSERT_EQ(blob_list_label(list.get(), mask.get()), 3) << "frame " << frame;
+  }
 }
 
 TEST(BlobList, BlobInsideIncludesBorders) {

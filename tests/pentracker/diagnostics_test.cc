@@ -43,8 +43,17 @@ TEST(DumpMask, BreaksLinesAfter32Pixels) {
   const std::string text = printed([&] { dump_mask(mask.get()); });
   EXPECT_EQ(occurrences(text, " 0,\n     "), 14U);
   EXPECT_EQ(occurrences(text, " 0,"), 448U);
-  const MaskPtr narrow = make_mask(33, 1);
-  EXPECT_EQ(occurrences(printed([&] { dump_mask(narrow.get()); }), " 0,\n     "), 1U);
+}
+
+TEST(DumpMask, BreaksALineBehindItsLastPixelToo) {
+  for (const std::int32_t width : {31, 32, 33, 64, 65}) {
+    std::string row;
+    for (std::int32_t x = 1; x <= width; ++x) row += x % 32 == 0 ? " 0,\n     " : " 0,";
+    const MaskPtr mask = make_mask(width, 1);
+    EXPECT_EQ(printed([&] { dump_mask(mask.get()); }),
+              "\n  uint8_t mask[] = {\n      /* row   0 */\n     " + row + "  };\n\n")
+        << width;
+  }
 }
 
 TEST(DumpMask, OfHeightZeroPrintsOnlyHeaderAndEnd) {

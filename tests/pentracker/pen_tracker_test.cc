@@ -8,6 +8,8 @@
 #include <memory>
 #include <string>
 
+#include "masks/known_shapes.h"
+#include "masks/morphology_shapes.h"
 #include "pentracker/blob_compare.h"
 #include "pentracker/pen_pictures.h"
 #include "pentracker/pen_tracker_plain.h"
@@ -138,6 +140,17 @@ TEST(PenTracker, SizeChangesInMidStreamMatchThePlainReference) {
   }
 }
 
+TEST(PenTracker, ChangesOfOneSideAloneMatchThePlainReference) {
+  Random random(14);
+  Pair pair;
+  for (const Area area : {Area{320, 240}, {320, 180}, {320, 240}, {200, 240}, {320, 240}}) {
+    PenPicture picture(area.width, area.height);
+    draw_scene(&picture, 3, &random);
+    ASSERT_NO_FATAL_FAILURE(pair.expect_same(picture)) << area.width << " by " << area.height;
+  }
+  EXPECT_GE(pair.found(), 1);
+}
+
 TEST(PenTracker, RandomPicturesMatchThePlainReference) {
   Random random(12);
   for (const Area area : {Area{448, 252}, {64, 36}, {20, 12}, {897, 505}}) {
@@ -245,6 +258,40 @@ TEST(PenTracker, AFollowedPenThatLeavesEveryRegionIsLostAndNotReplaced) {
   ASSERT_NE(followed.found, 0);
   EXPECT_EQ(followed.pressed, 1);
   EXPECT_GT(tracker->pen->centre_x, 200.0F);
+}
+
+// The regions of the two spots would choose the other way: the older spot's is young, and the
+// younger spot's is old.
+TEST(PenTracker, OfTwoSpotsTheOlderIsWeighedAndTheYoungerBehindItIsNot) {
+  const TrackerPtr tracker = make_tracker();
+  PenPicture picture(448, 252);
+  const Part upper_region{0.1, 0.1, 0.3, 0.3}, lower_region{0.6, 0.6, 0.3, 0.3};
+  const Part upper_spot{0.2, 0.2, 6.0 / 448, 6.0 / 252};
+  const Part lower_spot{0.7, 0.7, 6.0 / 448, 6.0 / 252};
+  picture.fill(kPress, upper_region, 230);  // no pen yet, so that nothing is found in it
+  picture.fill(kHover, lower_region, 230);
+  picture.fill(0, upper_spot, 250);
+  for (int frame = 0; frame < 35; ++frame) {
+    ASSERT_EQ(process(tracker.get(), picture.frame()).found, 0) << "frame " << frame;
+  }
+  picture.fill(kHover, upper_region, 230);
+  picture.fill(0, lower_spot, 250);
+  const PenPosition position = process(tracker.get(), picture.frame());
+  ASSERT_NE(position.found, 0);
+  EXPECT_EQ(blob_list_count(tracker->luma_blobs), 2);
+  EXPECT_LT(tracker->pen->centre_y, 126.0F);
+}
+
+// Elements of any other shape are dilated with too, but far more slowly.
+TEST(PenTracker, GrowsByShapesThatHaveKernelsOfTheirOwn) {
+  const TrackerPtr tracker = make_tracker();
+  using nox::masks::find_known_shape;
+  const nox::masks::KnownShape *square = find_known_shape(*tracker->luma_growth);
+  const nox::masks::KnownShape *disc = find_known_shape(*tracker->chroma_growth);
+  ASSERT_NE(square, nullptr);
+  ASSERT_NE(disc, nullptr);
+  EXPECT_EQ(square->dilate, nox::masks::dilate_box3);
+  EXPECT_EQ(disc->dilate, nox::masks::dilate_disc15);
 }
 
 TEST(PenTracker, KeepsItsPromisesAboutTheRecord) {

@@ -10,6 +10,7 @@
 #include <deque>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/quick.h"
@@ -118,6 +119,20 @@ TEST(MaskRing, CombinesWholeWordsAndNothingBehind) {
   const Mask out = new_mask(65, 1);
   mask_ring_or(ring.get(), out.get());
   for (int i = 0; i < 31; ++i) EXPECT_EQ(out->data[i], i < 16 ? 0xFF : 0) << i;
+}
+
+TEST(MaskRing, TakesMasksWithoutPixels) {
+  for (const auto &[width, height] : {std::pair{70, 0}, {0, 3}, {0, 0}, {70, -1}, {-1, 3}}) {
+    SCOPED_TRACE(std::to_string(width) + " by " + std::to_string(height));
+    const Ring in_all(mask_ring_new(width, height, 2)), in_any(mask_ring_new(width, height, 2));
+    const Mask mask = new_mask(width, height);
+    for (int frame = 1; frame <= 3; ++frame) {
+      mask_ring_feed_and(in_all.get(), mask.get(), mask.get());
+      mask_ring_feed_or(in_any.get(), mask.get(), mask.get());
+      EXPECT_EQ(in_all->index, frame % 2);
+      EXPECT_EQ(in_any->index, frame % 2);
+    }
+  }
 }
 
 TEST(MaskRing, FreeAcceptsNull) {

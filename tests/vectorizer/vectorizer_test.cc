@@ -274,6 +274,8 @@ TEST(Vectorizer, BeginsWithoutRings) {
   ASSERT_NE(state->element, nullptr);
   EXPECT_EQ(state->element->width, 3);
   EXPECT_EQ(state->element->height, 3);
+  constexpr std::uint8_t kCross[3] = {0b010, 0b111, 0b010};
+  for (std::size_t r = 0; r < 3; ++r) EXPECT_EQ(state->element->rows[16 * r], kCross[r]) << r;
 }
 
 TEST(Vectorizer, FrameWithoutPixelsDoesNothing) {
