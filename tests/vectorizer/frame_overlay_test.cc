@@ -153,6 +153,30 @@ TEST(VideoFrameOverlay, IsExactForLargerSizes) {
   }
 }
 
+// The planes go on behind the picture that the record tells; what lies there is not drawn.
+TEST(VideoFrameOverlay, IsExactForRecordsThatTellLessThanTheirPlanesHold) {
+  Random random(15);
+  for (int round = 0; round < 400; ++round) {
+    SCOPED_TRACE(round);
+    const std::int32_t width = random.between(3, 12), height = random.between(3, 12);
+    const std::uint32_t format = random.chance(0.7) ? kNoxFormatA420 : kNoxFormatI420;
+    Overlay overlay = {{kNoxFormatI420, width, height},
+                       {kNoxFormatI420, width, height},
+                       {format, random.between(3, 12), random.between(3, 12)}};
+    overlay.randomize(&random);
+    NoxVideoFrame dst = overlay.dst.get(), expected = overlay.expected.get();
+    NoxVideoFrame src = overlay.src.get();
+    dst.width = expected.width -= random.between(0, 2);
+    dst.height = expected.height -= random.between(0, 2);
+    src.width -= random.between(0, 2);
+    src.height -= random.between(0, 2);
+    const std::int32_t x = random.between(-6, 10), y = random.between(-6, 10);
+    video_frame_overlay(&dst, &src, x, y);
+    video_frame_overlay_plain(expected, src, x, y);
+    ASSERT_EQ(overlay.dst.bytes(), overlay.expected.bytes()) << "at " << x << ", " << y;
+  }
+}
+
 TEST(VideoFrameOverlay, FarAwayPositionsDrawNothing) {
   constexpr std::int32_t kFar[] = {
       std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::min() + 1,
