@@ -1,0 +1,23 @@
+// Standard error: sentences for people, and a line of progress below them where it is a terminal.
+#ifndef NOX_VISUALS_CONSOLE_H_
+#define NOX_VISUALS_CONSOLE_H_
+
+#include <string>
+
+namespace nox::app {
+
+// Writes "nox-visuals: SENTENCE". From any thread.
+void say(const std::string &sentence);
+
+// Whether standard error is a terminal: elsewhere there is no progress.
+bool can_show_progress();
+
+// Replaces the line of progress by `line`; sentences go above it. An empty line removes it.
+void show_progress(const std::string &line);
+
+// How many columns a line of progress may have.
+int progress_columns();
+
+}  // namespace nox::app
+
+#endif  // NOX_VISUALS_CONSOLE_H_

@@ -1,0 +1,29 @@
+// Where observations go besides standard output.
+#ifndef NOX_VISUALS_OPTIONS_OUTPUT_OPTIONS_H_
+#define NOX_VISUALS_OPTIONS_OUTPUT_OPTIONS_H_
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+#include <vector>
+
+namespace nox::app {
+
+// As the options were given; each output reads its own when it is opened.
+struct OutputOptions {
+  std::vector<std::string> tuio;  // HOST[:PORT]
+  std::vector<std::string> osc;   // HOST:PORT
+  std::string mqtt;               // mqtt[s]://HOST[:PORT][/PREFIX]; empty: off
+  std::string metrics;            // ADDR:PORT
+  std::string plot;               // F.png or F.svg
+};
+
+// Adds --tuio, --osc and --plot: what only makes sense for a pen.
+void add_pen_output_options(CLI::App *command, OutputOptions *options);
+
+// Adds --mqtt and --metrics.
+void add_output_options(CLI::App *command, OutputOptions *options);
+
+}  // namespace nox::app
+
+#endif  // NOX_VISUALS_OPTIONS_OUTPUT_OPTIONS_H_

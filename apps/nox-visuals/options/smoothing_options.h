@@ -1,0 +1,21 @@
+// How positions are steadied before they go out.
+#ifndef NOX_VISUALS_OPTIONS_SMOOTHING_OPTIONS_H_
+#define NOX_VISUALS_OPTIONS_SMOOTHING_OPTIONS_H_
+
+#include <CLI/CLI.hpp>
+
+#include <optional>
+#include <string>
+
+namespace nox::app {
+
+struct SmoothingOptions {
+  double debounce_ms = 0;             // 0: off
+  std::optional<std::string> smooth;  // FMIN,BETA,DCUT, or "" for the usual constants; none: off
+};
+
+void add_smoothing_options(CLI::App *command, SmoothingOptions *options);
+
+}  // namespace nox::app
+
+#endif  // NOX_VISUALS_OPTIONS_SMOOTHING_OPTIONS_H_

@@ -1,0 +1,18 @@
+// The steps of a command in their order.
+#ifndef NOX_VISUALS_STEPS_STEPS_H_
+#define NOX_VISUALS_STEPS_STEPS_H_
+
+#include <memory>
+#include <vector>
+
+#include "nox-visuals/options/smoothing_options.h"
+#include "nox-visuals/steps/step.h"
+
+namespace nox::app {
+
+// Surface, debounce, smooth, strokes. Throws UsageError when options say nothing that can be done.
+std::vector<std::unique_ptr<Step>> make_pen_steps(bool mirrored, const SmoothingOptions &options);
+
+}  // namespace nox::app
+
+#endif  // NOX_VISUALS_STEPS_STEPS_H_

@@ -1,0 +1,40 @@
+#include "nox-visuals/stream/pipeline.h"
+
+#include "nox-visuals/errors.h"
+
+namespace nox::app {
+namespace {
+
+// Few frames: enough that neither side waits for the other at every frame, and no memory to speak
+// of.
+constexpr const char *kHead =
+    "queue name=arrivals max-size-buffers=4 max-size-bytes=0 max-size-time=0 ! videoconvert ! "
+    "video/x-raw,format={ I420, A420 } ! ";
+
+}  // namespace
+
+GstPointer<GstElement> make_pipeline(const Source &source, const std::string &tail) {
+  GError *error = nullptr;
+  GstElement *parsed =
+      gst_parse_launch_full((kHead + tail).c_str(), nullptr, GST_PARSE_FLAG_FATAL_ERRORS, &error);
+  if (parsed == nullptr) throw StreamError(take_error(error));
+  GstPointer<GstElement> pipeline(GST_ELEMENT(gst_object_ref_sink(parsed)));
+  GstElement *bin = make_source_bin(source);
+  gst_bin_add(GST_BIN(pipeline.get()), bin);
+  const GstPointer<GstElement> queue(gst_bin_get_by_name(GST_BIN(pipeline.get()), "arrivals"));
+  if (gst_element_link(bin, queue.get()) == FALSE) {
+    throw StreamError("the source brings no raw video");
+  }
+  return pipeline;
+}
+
+void keep_newest_only(GstElement *pipeline, void (*dropped)(GstElement *queue, gpointer data),
+                      gpointer data) {
+  const GstPointer<GstElement> queue(gst_bin_get_by_name(GST_BIN(pipeline), "arrivals"));
+  gst_util_set_object_arg(G_OBJECT(queue.get()), "leaky", "downstream");
+  g_object_set(queue.get(), "max-size-buffers", 1U, nullptr);
+  // A leaky queue that is full says so once for each frame that it drops.
+  g_signal_connect(queue.get(), "overrun", G_CALLBACK(dropped), data);
+}
+
+}  // namespace nox::app

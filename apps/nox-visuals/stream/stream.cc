@@ -1,0 +1,183 @@
+#include "nox-visuals/stream/stream.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+#include "nox-visuals/console.h"
+#include "nox-visuals/errors.h"
+#include "nox-visuals/stream/missing_plugin.h"
+#include "nox-visuals/stream/pipeline.h"
+#include "nox-visuals/stream/signals.h"
+
+namespace nox::app {
+namespace {
+
+constexpr guint kLookMs = 200;
+constexpr guint kFinishMs = 3000;  // for a pipeline to end by itself when it is asked to
+constexpr double kFirstWait = 0.5;
+
+std::string error_text(GstMessage *message) {
+  GError *error = nullptr;
+  gst_message_parse_error(message, &error, nullptr);
+  return take_error(error);
+}
+
+std::string seconds(double value) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%g s", value);
+  return text;
+}
+
+}  // namespace
+
+Stream::Stream(Counts *counts) : counts_(counts), loop_(g_main_loop_new(nullptr, FALSE)) {}
+
+Stream::~Stream() {
+  drop_pipeline();
+  g_main_loop_unref(loop_);
+}
+
+void Stream::build() {
+  missing_.clear();
+  pipeline_ = make_pipeline(plan_.source, plan_.tail);
+  const GstPointer<GstBus> bus(gst_element_get_bus(pipeline_.get()));
+  bus_watch_ = gst_bus_add_watch(bus.get(), on_message, this);
+  plan_.started(pipeline_.get());
+  const auto paused = gst_element_set_state(pipeline_.get(), GST_STATE_PAUSED);
+  if (paused == GST_STATE_CHANGE_NO_PREROLL) {
+    live_ = true;
+    keep_newest_only(pipeline_.get(), on_overrun, this);
+  }
+}
+
+void Stream::open(StreamPlan plan) {
+  plan_ = std::move(plan);
+  build();
+}
+
+void Stream::drop_pipeline() {
+  if (pipeline_ == nullptr) return;
+  gst_element_set_state(pipeline_.get(), GST_STATE_NULL);
+  g_source_remove(bus_watch_);
+  pipeline_.reset();
+}
+
+std::string Stream::run() {
+  const SignalWatch signals([this] { finish(); });
+  const guint look_timer = g_timeout_add(kLookMs, on_look, this);
+  gst_element_set_state(pipeline_.get(), GST_STATE_PLAYING);
+  g_main_loop_run(loop_);
+  for (guint *timer : {&retry_timer_, &finish_timer_}) {
+    if (*timer != 0) g_source_remove(std::exchange(*timer, 0));
+  }
+  g_source_remove(look_timer);
+  drop_pipeline();
+  show_progress("");
+  return failure_;
+}
+
+void Stream::stop() {
+  stop_ = true;
+}
+
+// The pipeline is given the chance to end by itself, so that files are finished.
+void Stream::finish() {
+  finishing_ = true;
+  if (pipeline_ == nullptr ||
+      gst_element_send_event(pipeline_.get(), gst_event_new_eos()) == FALSE) {
+    g_main_loop_quit(loop_);
+  } else if (finish_timer_ == 0) {
+    finish_timer_ = g_timeout_add(kFinishMs, on_late, this);
+  }
+}
+
+bool Stream::returns() const {
+  return plan_.retry && !finishing_ && comes_back(plan_.source, live_);
+}
+
+void Stream::handle(GstMessage *message) {
+  switch (GST_MESSAGE_TYPE(message)) {
+    case GST_MESSAGE_ERROR:
+      source_failed(missing_.empty() ? error_text(message) : "GStreamer lacks " + missing_);
+      break;
+    case GST_MESSAGE_EOS:
+      if (returns()) {
+        source_failed("the stream ended");
+      } else {
+        g_main_loop_quit(loop_);
+      }
+      break;
+    case GST_MESSAGE_ELEMENT:
+      if (missing_.empty()) missing_ = missing_plugin(message);
+      break;
+    default:
+      break;
+  }
+}
+
+void Stream::source_failed(const std::string &why) {
+  // What never was there does not come back: a wrong address is said at once.
+  if (!returns() || (counts_->frames == 0 && !away_)) {
+    if (!finishing_) failure_ = plan_.word + ": " + why;
+    g_main_loop_quit(loop_);
+    return;
+  }
+  drop_pipeline();
+  plan_.gone();
+  if (!std::exchange(away_, true)) {
+    say(plan_.word + " went away: " + why + "; it is tried again, at least every " +
+        seconds(*plan_.retry));
+    next_wait_ = std::min(kFirstWait, *plan_.retry);
+  }
+  retry_timer_ = g_timeout_add(static_cast<guint>(next_wait_ * 1000), on_retry, this);
+  next_wait_ = std::min(next_wait_ * 2, *plan_.retry);
+}
+
+void Stream::try_again() {
+  retry_timer_ = 0;
+  frames_then_ = counts_->frames;
+  try {
+    build();
+    gst_element_set_state(pipeline_.get(), GST_STATE_PLAYING);
+  } catch (const StreamError &error) {
+    source_failed(error.what());
+  }
+}
+
+// What is seen by looking from time to time.
+void Stream::look() {
+  if (stop_) finish();
+  if (away_ && pipeline_ != nullptr && counts_->frames > frames_then_) {
+    away_ = false;
+    say(plan_.word + " is back");
+  }
+}
+
+gboolean Stream::on_message(GstBus * /*bus*/, GstMessage *message, gpointer stream) {
+  static_cast<Stream *>(stream)->handle(message);
+  return G_SOURCE_CONTINUE;
+}
+
+gboolean Stream::on_retry(gpointer stream) {
+  static_cast<Stream *>(stream)->try_again();
+  return G_SOURCE_REMOVE;
+}
+
+gboolean Stream::on_look(gpointer stream) {
+  static_cast<Stream *>(stream)->look();
+  return G_SOURCE_CONTINUE;
+}
+
+gboolean Stream::on_late(gpointer stream) {
+  auto *self = static_cast<Stream *>(stream);
+  self->finish_timer_ = 0;
+  g_main_loop_quit(self->loop_);
+  return G_SOURCE_REMOVE;
+}
+
+void Stream::on_overrun(GstElement * /*queue*/, gpointer stream) {
+  ++static_cast<Stream *>(stream)->counts_->dropped;
+}
+
+}  // namespace nox::app
