@@ -29,9 +29,9 @@ inline std::string run_to_its_end(GstElement *pipeline) {
 }
 
 // The same with a pipeline of this description; a description that cannot be read is an error too.
-// `prepare` is given the pipeline before it starts.
-template <typename Prepare>
-std::string run_pipeline(const std::string &description, Prepare prepare) {
+// `prepare` is given the pipeline before it starts, `tidy` when it has stopped.
+template <typename Prepare, typename Tidy>
+std::string run_pipeline(const std::string &description, Prepare prepare, Tidy tidy) {
   GError *error = nullptr;
   const ObjectPtr<GstElement> pipeline(gst_parse_launch(description.c_str(), &error));
   if (error != nullptr) {
@@ -40,7 +40,13 @@ std::string run_pipeline(const std::string &description, Prepare prepare) {
     return text;
   }
   prepare(pipeline.get());
-  return run_to_its_end(pipeline.get());
+  std::string text = run_to_its_end(pipeline.get());
+  tidy(pipeline.get());
+  return text;
+}
+template <typename Prepare>
+std::string run_pipeline(const std::string &description, Prepare prepare) {
+  return run_pipeline(description, prepare, [](GstElement *) {});
 }
 inline std::string run_pipeline(const std::string &description) {
   return run_pipeline(description, [](GstElement *) {});
