@@ -42,14 +42,14 @@ int go_on_tours(GstElement *element, int tours, const AtEachState &at_state) {
   return failed;
 }
 
-// `tours` in sum, by several threads at once, each as fast as the others let it. A frame that is
-// underway when the element stops and starts again comes before the new start's events: GStreamer
-// warns of that, and the element takes it with the caps that it knows.
+// At least `tours` in sum, by several threads at once, each as fast as the others let it. A frame
+// that is underway when the element stops and starts again comes before the new start's events:
+// GStreamer warns of that, and the element takes it with the caps that it knows.
 int go_on_tours_together(GstElement *element, int tours) {
   std::atomic<int> failed{0};
   std::vector<std::thread> threads;
   for (int i = 0; i < kThreads; ++i) {
-    threads.emplace_back([&] { failed += go_on_tours(element, tours / kThreads, do_nothing); });
+    threads.emplace_back([&] { failed += go_on_tours(element, tours / kThreads + 1, do_nothing); });
   }
   for (std::thread &thread : threads) thread.join();
   return failed;
@@ -91,8 +91,8 @@ using ElementStates = ForEachElement;
 TEST_P(ElementStates, ThroughAllOfThemWithoutData) {
   const ObjectPtr<GstElement> element = new_element(GetParam());
   PadLine line(element.get(), small_info());
-  EXPECT_EQ(go_on_tours(element.get(), 1000, do_nothing), 0);
-  EXPECT_EQ(go_on_tours_together(element.get(), 1000), 0);
+  EXPECT_EQ(go_on_tours(element.get(), repetitions(1000, 1000), do_nothing), 0);
+  EXPECT_EQ(go_on_tours_together(element.get(), repetitions(1000, 1000)), 0);
   expect_that_it_works(element.get(), &line);
 }
 
@@ -118,7 +118,7 @@ TEST_P(ElementStates, ThroughAllOfThemWhileFramesCome) {
   {
     const Feeder feeder(&line);
     EXPECT_EQ(go_on_tours(element.get(), repetitions(100, 1000), FrameAtEachState(&line)), 0);
-    EXPECT_EQ(go_on_tours_together(element.get(), 1000), 0);
+    EXPECT_EQ(go_on_tours_together(element.get(), repetitions(1000, 1000)), 0);
   }
   expect_that_it_works(element.get(), &line);
 }

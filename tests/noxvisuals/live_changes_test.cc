@@ -92,7 +92,7 @@ TEST_P(LiveChanges, EveryPropertyIsReadWhileFramesPass) {
   FedElement fed(GetParam());
   guint count = 0;
   GParamSpec **specs = g_object_class_list_properties(G_OBJECT_GET_CLASS(fed.get()), &count);
-  for (int i = 0; i < 1000; ++i) {
+  for (int i = 0; i < repetitions(1000, 1000); ++i) {
     for (guint p = 0; p < count; ++p) {
       GValue value = G_VALUE_INIT;
       g_object_get_property(G_OBJECT(fed.get()), specs[p]->name, &value);

@@ -9,11 +9,12 @@
 
 #include "noxvisuals/every_element.h"
 #include "support/pad_line.h"
+#include "support/repetitions.h"
 
 namespace nox::test {
 namespace {
 
-constexpr int kElements = 1000;
+const int kElements = repetitions(1000, 1000);
 constexpr int kThreads = 4;
 
 // An element that plays, with pads of its own around it.
@@ -46,7 +47,7 @@ using ManyElements = ForEachElement;
 // All of them are made, then all of them work, then all of them go, each time by several threads;
 // an element is made, fed and dropped by different ones.
 TEST_P(ManyElements, WorkSideBySide) {
-  std::vector<std::unique_ptr<PlayingElement>> elements(kElements);
+  std::vector<std::unique_ptr<PlayingElement>> elements(static_cast<std::size_t>(kElements));
   on_several_threads([&](int thread) {
     for (int i = thread; i < kElements; i += kThreads) {
       elements[static_cast<std::size_t>(i)] = std::make_unique<PlayingElement>(GetParam());
