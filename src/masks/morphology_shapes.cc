@@ -8,9 +8,6 @@
 #include <algorithm>
 #include <bit>
 
-#undef HWY_DISABLED_TARGETS
-// Arrays of vectors: not for vectors whose size the compiler does not know.
-#define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
 #define HWY_WANT_AVX3_DL
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "masks/morphology_shapes.cc"

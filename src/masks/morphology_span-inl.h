@@ -40,6 +40,10 @@ struct Erode {
 // own successor: shifts let 0 into its upper bits, which nobody looks at.
 template <class V>
 struct Words {
+  // Written out, so that they are compiled for the instruction set: what the compiler makes is not.
+  HWY_INLINE Words() {}
+  HWY_INLINE Words(V words, V following) : here(words), next(following) {}
+
   V here;
   V next;
 };

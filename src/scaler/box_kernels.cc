@@ -9,12 +9,15 @@
 
 #include <hwy/highway.h>
 
-#include "scaler/dot_ops-inl.h"
+#include "video/pair_ops-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace nox::scaler {
 namespace HWY_NAMESPACE {
 namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+namespace ops = video::HWY_NAMESPACE;
 
 using Sixteen = hn::FixedTag<std::uint8_t, 16>;
 using Widest = hn::ScalableTag<std::uint8_t>;
@@ -77,7 +80,7 @@ void halve_row(const std::uint8_t *src, std::ptrdiff_t stride, std::size_t out_w
 template <class D>
 HWY_INLINE auto pair_sums(D d, const Rows &rows, std::size_t y, std::size_t x) {
   const hn::RebindToSigned<D> weight_tag;
-  return dot_byte_pairs(rows.load(d, y, x), hn::Set(weight_tag, 1));
+  return ops::dot_byte_pairs(rows.load(d, y, x), hn::Set(weight_tag, 1));
 }
 
 // Means of 4 by 4, one in the low byte of each 32-bit lane.
@@ -87,7 +90,7 @@ HWY_INLINE auto quarter_vector(D d, const Rows &rows, std::size_t x) {
   const hn::RepartitionToWide<decltype(d16)> d32;
   auto pairs = pair_sums(d, rows, 0, x);
   for (std::size_t y = 1; y < 4; ++y) pairs = hn::Add(pairs, pair_sums(d, rows, y, x));
-  const auto sums = add_dot_word_pairs(hn::Set(d32, 8), pairs, hn::Set(d16, 1));
+  const auto sums = ops::add_dot_word_pairs(hn::Set(d32, 8), pairs, hn::Set(d16, 1));
   return hn::BitCast(d, hn::ShiftRight<4>(sums));
 }
 

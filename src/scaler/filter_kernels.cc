@@ -9,12 +9,15 @@
 
 #include <hwy/highway.h>
 
-#include "scaler/dot_ops-inl.h"
+#include "video/pair_ops-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace nox::scaler {
 namespace HWY_NAMESPACE {
 namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+namespace ops = video::HWY_NAMESPACE;
 
 // Samples are fetched so that four neighbouring bytes are the four taps of a quad: by one
 // permutation of a whole vector where the instruction set has it, else by one of each 16-byte
@@ -75,9 +78,9 @@ HWY_INLINE auto filter_columns(const ColumnPlan &plan, const std::uint8_t *row, 
     const std::size_t at = x * kTapsPerQuad;
     const auto picks = hn::Load(d, plan.quads[q].picks.get() + at);
     const auto weights = hn::BitCast(weight_tag, hn::Load(d, plan.quads[q].weights.get() + at));
-    pairs = hn::Add(pairs, dot_byte_pairs(pick_samples(samples, picks), weights));
+    pairs = hn::Add(pairs, ops::dot_byte_pairs(pick_samples(samples, picks), weights));
   }
-  const auto sums = add_dot_word_pairs(hn::Zero(d32), pairs, hn::Set(d16, 1));
+  const auto sums = ops::add_dot_word_pairs(hn::Zero(d32), pairs, hn::Set(d16, 1));
   // The sums of 8 taps stay far below, and those of 4 exceed 16 bits upwards only.
   return kQuads == 1 ? hn::Min(sums, hn::Set(d32, 32767)) : sums;
 }
@@ -107,7 +110,7 @@ HWY_INLINE hn::Vec<Sums> merge_columns(const RowStep &step, const std::int32_t *
   auto sum = hn::Set(d32, 1 << (kShift - 1));
   for (int i = 0; i < kCount; ++i) {
     const auto weights = hn::BitCast(d16, hn::Set(d32, step.weights[i]));
-    sum = add_dot_word_pairs(sum, hn::BitCast(d16, hn::Load(d32, pairs[i] + x)), weights);
+    sum = ops::add_dot_word_pairs(sum, hn::BitCast(d16, hn::Load(d32, pairs[i] + x)), weights);
   }
   return hn::ShiftRight<kShift>(sum);
 }
@@ -118,10 +121,11 @@ void merge(const RowStep &step, const std::int32_t *const *pairs, std::size_t wi
   const hn::Repartition<std::uint8_t, Sums> d8;
   const std::size_t lanes = hn::Lanes(Sums());
   for (std::size_t x = 0; x < width; x += 4 * lanes) {
-    const auto samples = clamp_to_bytes(merge_columns<kCount, kShift>(step, pairs, x),
-                                        merge_columns<kCount, kShift>(step, pairs, x + lanes),
-                                        merge_columns<kCount, kShift>(step, pairs, x + 2 * lanes),
-                                        merge_columns<kCount, kShift>(step, pairs, x + 3 * lanes));
+    const auto samples =
+        ops::clamp_to_bytes(merge_columns<kCount, kShift>(step, pairs, x),
+                            merge_columns<kCount, kShift>(step, pairs, x + lanes),
+                            merge_columns<kCount, kShift>(step, pairs, x + 2 * lanes),
+                            merge_columns<kCount, kShift>(step, pairs, x + 3 * lanes));
     if (x + 4 * lanes <= width) {
       hn::StoreU(samples, d8, out + x);
     } else {

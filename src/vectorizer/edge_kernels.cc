@@ -11,12 +11,15 @@
 // After foreach_target.h, which sets the target.
 #include <hwy/highway.h>
 
+#include "video/pair_ops-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace nox::vectorizer {
 namespace HWY_NAMESPACE {
 namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
+namespace ops = video::HWY_NAMESPACE;
 
 using Bytes = hn::ScalableTag<std::uint8_t>;
 using ByteVec = hn::Vec<Bytes>;
@@ -25,52 +28,6 @@ using Shorts = hn::Repartition<std::int16_t, Bytes>;
 using ShortVec = hn::Vec<Shorts>;
 using Words = hn::CappedTag<std::uint64_t, kBlockWords>;
 using WordVec = hn::Vec<Words>;
-
-#define NOX_HAVE_X86_BYTES (HWY_ARCH_X86 && HWY_TARGET != HWY_EMU128)
-
-// Two operations that Highway 1.0.3 has no name for: sums of each even byte and the odd one behind
-// it, and, for every 16 bytes of a vector, the low vector's eight numbers and then the high one's,
-// clamped to a signed byte.
-#if NOX_HAVE_X86_BYTES
-HWY_INLINE hn::Vec128<std::int16_t> PairSums(hn::Vec128<std::uint8_t> v) {
-  return hn::Vec128<std::int16_t>{_mm_maddubs_epi16(v.raw, _mm_set1_epi8(1))};
-}
-HWY_INLINE hn::Vec128<std::int8_t> PackSaturated(hn::Vec128<std::int16_t> low,
-                                                 hn::Vec128<std::int16_t> high) {
-  return hn::Vec128<std::int8_t>{_mm_packs_epi16(low.raw, high.raw)};
-}
-#if HWY_TARGET <= HWY_AVX2
-HWY_INLINE hn::Vec256<std::int16_t> PairSums(hn::Vec256<std::uint8_t> v) {
-  return hn::Vec256<std::int16_t>{_mm256_maddubs_epi16(v.raw, _mm256_set1_epi8(1))};
-}
-HWY_INLINE hn::Vec256<std::int8_t> PackSaturated(hn::Vec256<std::int16_t> low,
-                                                 hn::Vec256<std::int16_t> high) {
-  return hn::Vec256<std::int8_t>{_mm256_packs_epi16(low.raw, high.raw)};
-}
-#endif
-#if HWY_TARGET <= HWY_AVX3
-HWY_INLINE hn::Vec512<std::int16_t> PairSums(hn::Vec512<std::uint8_t> v) {
-  return hn::Vec512<std::int16_t>{_mm512_maddubs_epi16(v.raw, _mm512_set1_epi8(1))};
-}
-HWY_INLINE hn::Vec512<std::int8_t> PackSaturated(hn::Vec512<std::int16_t> low,
-                                                 hn::Vec512<std::int16_t> high) {
-  return hn::Vec512<std::int8_t>{_mm512_packs_epi16(low.raw, high.raw)};
-}
-#endif
-#else   // vectors of 16 bytes
-HWY_INLINE ShortVec PairSums(ByteVec v) {
-  const Shorts d;
-  const ShortVec pairs = hn::BitCast(d, v);
-  const hn::RebindToUnsigned<Shorts> du;
-  const ShortVec odd = hn::BitCast(d, hn::ShiftRight<8>(hn::BitCast(du, pairs)));
-  return hn::Add(hn::And(pairs, hn::Set(d, 0xFF)), odd);
-}
-HWY_INLINE SignedVec PackSaturated(ShortVec low, ShortVec high) {
-  const hn::RebindToSigned<Bytes> d;
-  const hn::Half<decltype(d)> half;
-  return hn::Combine(d, hn::DemoteTo(half, high), hn::DemoteTo(half, low));
-}
-#endif  // NOX_HAVE_X86_BYTES
 
 // The gradients are taken from sums of 2 by 2 samples. With p the difference of the sums above left
 // and below right of a pixel, and q that of the sums above right and below left, the two Sobel sums
@@ -85,8 +42,8 @@ alignas(16) constexpr std::uint8_t kLeastLarger[16] = {19, 19, 19, 18, 18, 18, 1
 HWY_INLINE ByteVec LookupLeastLarger(Bytes d, ByteVec smaller) {
   // 0 to 15 go to 112 to 127, anything above gets the top bit, which makes the answer 0.
   ByteVec index = hn::SaturatedAdd(smaller, hn::Set(d, 112));
-#if !NOX_HAVE_X86_BYTES
-  // Only x86 looks at nothing but the low four bits and the top one.
+#if !NOX_HAVE_SSSE3
+  // Only SSSE3 looks at nothing but the low four bits and the top one.
   index = hn::And(index, hn::Set(d, 0x8F));
 #endif
   return hn::TableLookupBytesOr0(hn::LoadDup128(d, kLeastLarger), index);
@@ -100,8 +57,8 @@ struct Sums {
 };
 
 HWY_INLINE Sums AddColumns(Bytes d, const std::uint8_t *HWY_RESTRICT row) {
-  return {PairSums(hn::LoadU(d, row)), PairSums(hn::LoadU(d, row + 1)),
-          PairSums(hn::LoadU(d, row + 2))};
+  return {ops::add_byte_pairs(hn::LoadU(d, row)), ops::add_byte_pairs(hn::LoadU(d, row + 1)),
+          ops::add_byte_pairs(hn::LoadU(d, row + 2))};
 }
 
 HWY_INLINE Sums AddRows(const Sums &a, const Sums &b) {
@@ -112,7 +69,7 @@ HWY_INLINE Sums AddRows(const Sums &a, const Sums &b) {
 HWY_INLINE ByteVec AbsInOrder(Bytes d, ShortVec even, ShortVec odd) {
   alignas(16) static constexpr std::uint8_t kInterleave[16] = {0, 8,  1, 9,  2, 10, 3, 11,
                                                                4, 12, 5, 13, 6, 14, 7, 15};
-  const SignedVec packed = PackSaturated(even, odd);
+  const SignedVec packed = ops::clamp_blocks(even, odd);
   return hn::TableLookupBytes(hn::BitCast(d, hn::Abs(packed)), hn::LoadDup128(d, kInterleave));
 }
 

@@ -1,18 +1,21 @@
-// Sums of products of neighbouring lanes, which every vector instruction set has in a form of its
-// own: single instructions on x86, a few portable ones elsewhere, the same bits everywhere.
+// Operations on neighbouring lanes that Highway 1.0.3 has no name for: single instructions from
+// SSSE3 on, a few portable ones with anything else (SSE2 and what is not x86), the same bits
+// everywhere.
 //
 // Included once for each target, from kernel files only.
-#if defined(SCALER_DOT_OPS_INL_H_) == defined(HWY_TARGET_TOGGLE)
-#ifdef SCALER_DOT_OPS_INL_H_
-#undef SCALER_DOT_OPS_INL_H_
+#if defined(VIDEO_PAIR_OPS_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef VIDEO_PAIR_OPS_INL_H_
+#undef VIDEO_PAIR_OPS_INL_H_
 #else
-#define SCALER_DOT_OPS_INL_H_
+#define VIDEO_PAIR_OPS_INL_H_
 #endif
 
 #include <hwy/highway.h>
 
+#include <cstdint>
+
 HWY_BEFORE_NAMESPACE();
-namespace nox::scaler {
+namespace nox::video {
 namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
@@ -22,9 +25,15 @@ namespace hn = hwy::HWY_NAMESPACE;
 // add_dot_word_pairs(sum, words, weights): i32 lane i is sum[i] + words[2i] * weights[2i] +
 // words[2i + 1] * weights[2i + 1], all signed.
 //
+// add_byte_pairs(bytes): i16 lane i is bytes[2i] + bytes[2i + 1], unsigned.
+//
 // clamp_to_bytes(a, b, c, d): the lanes of four i32 vectors, one after the other, each clamped to 0
 // to 255.
-#if HWY_ARCH_X86 && HWY_TARGET <= HWY_SSSE3
+//
+// clamp_blocks(low, high): for every 16 bytes of a vector, the low vector's eight i16 numbers of
+// that place and then the high one's, each clamped to -128 to 127.
+#define NOX_HAVE_SSSE3 (HWY_ARCH_X86 && HWY_TARGET <= HWY_SSSE3)
+#if NOX_HAVE_SSSE3
 
 HWY_INLINE hn::Vec128<std::int16_t> dot_byte_pairs(hn::Vec128<std::uint8_t> bytes,
                                                    hn::Vec128<std::int8_t> weights) {
@@ -43,6 +52,11 @@ HWY_INLINE hn::Vec128<std::uint8_t> clamp_to_bytes(hn::Vec128<std::int32_t> a,
                                                    hn::Vec128<std::int32_t> d) {
   return hn::Vec128<std::uint8_t>{
       _mm_packus_epi16(_mm_packs_epi32(a.raw, b.raw), _mm_packs_epi32(c.raw, d.raw))};
+}
+
+HWY_INLINE hn::Vec128<std::int8_t> clamp_blocks(hn::Vec128<std::int16_t> low,
+                                                hn::Vec128<std::int16_t> high) {
+  return hn::Vec128<std::int8_t>{_mm_packs_epi16(low.raw, high.raw)};
 }
 
 #if HWY_TARGET <= HWY_AVX2
@@ -69,6 +83,11 @@ HWY_INLINE hn::Vec256<std::uint8_t> clamp_to_bytes(hn::Vec256<std::int32_t> a,
   return hn::Vec256<std::uint8_t>{_mm256_permutevar8x32_epi32(blocks, order)};
 }
 
+HWY_INLINE hn::Vec256<std::int8_t> clamp_blocks(hn::Vec256<std::int16_t> low,
+                                                hn::Vec256<std::int16_t> high) {
+  return hn::Vec256<std::int8_t>{_mm256_packs_epi16(low.raw, high.raw)};
+}
+
 #endif  // AVX2
 #if HWY_TARGET <= HWY_AVX3
 
@@ -93,8 +112,19 @@ HWY_INLINE hn::Vec512<std::uint8_t> clamp_to_bytes(hn::Vec512<std::int32_t> a,
   return hn::Vec512<std::uint8_t>{_mm512_permutexvar_epi32(order, blocks)};
 }
 
+HWY_INLINE hn::Vec512<std::int8_t> clamp_blocks(hn::Vec512<std::int16_t> low,
+                                                hn::Vec512<std::int16_t> high) {
+  return hn::Vec512<std::int8_t>{_mm512_packs_epi16(low.raw, high.raw)};
+}
+
 #endif  // AVX3
-#else   // not x86
+
+template <class VU8>
+HWY_INLINE auto add_byte_pairs(VU8 bytes) {
+  return dot_byte_pairs(bytes, hn::Set(hn::RebindToSigned<hn::DFromV<VU8>>(), 1));
+}
+
+#else  // vectors of 16 bytes
 
 template <class VU8, class VI8>
 HWY_INLINE auto dot_byte_pairs(VU8 bytes, VI8 weights) {
@@ -131,10 +161,25 @@ HWY_INLINE auto clamp_to_bytes(V32 a, V32 b, V32 c, V32 d) {
   return hn::Combine(d8, hn::DemoteTo(half8, high), hn::DemoteTo(half8, low));
 }
 
-#endif  // not x86
+template <class VU8>
+HWY_INLINE auto add_byte_pairs(VU8 bytes) {
+  const hn::RepartitionToWide<hn::DFromV<VU8>> du16;
+  const hn::RebindToSigned<decltype(du16)> d16;
+  const auto words = hn::BitCast(du16, bytes);
+  return hn::BitCast(d16, hn::Add(hn::And(words, hn::Set(du16, 0xFF)), hn::ShiftRight<8>(words)));
+}
+
+template <class V16>
+HWY_INLINE auto clamp_blocks(V16 low, V16 high) {
+  const hn::Repartition<std::int8_t, hn::DFromV<V16>> d8;
+  const hn::Half<decltype(d8)> half;
+  return hn::Combine(d8, hn::DemoteTo(half, high), hn::DemoteTo(half, low));
+}
+
+#endif  // NOX_HAVE_SSSE3
 
 }  // namespace HWY_NAMESPACE
-}  // namespace nox::scaler
+}  // namespace nox::video
 HWY_AFTER_NAMESPACE();
 
-#endif  // SCALER_DOT_OPS_INL_H_
+#endif  // VIDEO_PAIR_OPS_INL_H_
