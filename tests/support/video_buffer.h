@@ -4,6 +4,7 @@
 
 #include <gst/video/video.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
