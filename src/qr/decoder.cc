@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
+#include <utility>
 
 namespace nox::qr {
 namespace {
@@ -19,22 +20,36 @@ void copy_rows(std::uint8_t *image, const Luma &luma) {
   }
 }
 
-Code read(const quirc_code &found) {
+// What the modules say, into `code`; false when they cannot be read.
+bool read_payload(const quirc_code &found, Code *code) {
+  quirc_data data;
+  const quirc_decode_error_t error = quirc_decode(&found, &data);
+  if (error != QUIRC_SUCCESS) {
+    code->error = quirc_strerror(error);
+    return false;
+  }
+  code->error = nullptr;
+  code->version = data.version;
+  code->payload.assign(reinterpret_cast<const char *>(data.payload),
+                       static_cast<std::size_t>(data.payload_len));
+  return true;
+}
+
+Code read(quirc_code found, Mirrored mirrored) {
   Code code;
   std::transform(std::begin(found.corners), std::end(found.corners), code.corners.begin(),
                  [](const quirc_point &corner) {
                    return Corner{corner.x, corner.y};
                  });
   code.size = found.size;
-  quirc_data data;
-  const quirc_decode_error_t error = quirc_decode(&found, &data);
-  if (error != QUIRC_SUCCESS) {
-    code.error = quirc_strerror(error);
-    return code;
+  if (read_payload(found, &code) || mirrored == Mirrored::kNotRead) return code;
+  const char *error = code.error;
+  quirc_flip(&found);
+  if (read_payload(found, &code)) {
+    std::swap(code.corners[1], code.corners[3]);
+  } else {
+    code.error = error;  // the code as it is seen
   }
-  code.version = data.version;
-  code.payload.assign(reinterpret_cast<const char *>(data.payload),
-                      static_cast<std::size_t>(data.payload_len));
   return code;
 }
 
@@ -44,7 +59,7 @@ void Decoder::Destroy::operator()(quirc *decoder) const {
   quirc_destroy(decoder);
 }
 
-Decoder::Decoder() : quirc_(quirc_new()) {}
+Decoder::Decoder(Mirrored mirrored) : mirrored_(mirrored), quirc_(quirc_new()) {}
 Decoder::~Decoder() = default;
 
 bool Decoder::decode(const Luma &luma) {
@@ -58,7 +73,7 @@ bool Decoder::decode(const Luma &luma) {
   for (int i = 0; i < count; ++i) {
     quirc_code found;
     quirc_extract(quirc_.get(), i, &found);
-    codes_.push_back(read(found));
+    codes_.push_back(read(found, mirrored_));
   }
   return true;
 }

@@ -36,9 +36,12 @@ struct Code {
   const char *error = nullptr;  // why it was not read, as a text that lives for ever; else null
 };
 
+enum class Mirrored { kNotRead, kRead };
+
 class Decoder {
  public:
-  Decoder();
+  // Codes seen in a mirror are read only where that is asked for: quirc itself does not.
+  explicit Decoder(Mirrored mirrored = Mirrored::kNotRead);
   ~Decoder();
   Decoder(const Decoder &) = delete;
   Decoder &operator=(const Decoder &) = delete;
@@ -54,6 +57,7 @@ class Decoder {
     void operator()(quirc *decoder) const;
   };
 
+  Mirrored mirrored_;
   std::unique_ptr<quirc, Destroy> quirc_;
   std::vector<Code> codes_;
 };

@@ -130,6 +130,47 @@ TEST(QrDecoder, SaysWhyACodeIsNotRead) {
   EXPECT_EQ(code.size, 25);
 }
 
+// The picture as a mirror on its left side shows it.
+NoxVideoFrame mirror(const NoxVideoFrame &frame) {
+  for (int y = 0; y < frame.height; ++y) {
+    std::uint8_t *row = frame.planes[0] + static_cast<std::ptrdiff_t>(y) * frame.strides[0];
+    std::reverse(row, row + frame.width);
+  }
+  return frame;
+}
+
+TEST(QrDecoder, ReadsMirroredCodesWhereThatIsAskedFor) {
+  const QrPicture picture(320, 240, {"https://example.org/one"});
+  const NoxVideoFrame mirrored = mirror(picture.frame());
+  qr::Decoder plain;
+  plain.decode(luma_of(mirrored));
+  ASSERT_EQ(plain.codes().size(), 1U);
+  EXPECT_NE(plain.codes()[0].error, nullptr);
+
+  qr::Decoder decoder(qr::Mirrored::kRead);
+  decoder.decode(luma_of(mirrored));
+  ASSERT_EQ(decoder.codes().size(), 1U);
+  const qr::Code &code = decoder.codes()[0];
+  EXPECT_EQ(code.error, nullptr);
+  EXPECT_EQ(code.payload, "https://example.org/one");
+  EXPECT_EQ(code.version, 2);
+  // The code's own top left is on the right, its bottom left below that.
+  EXPECT_GT(code.corners[0].x, code.corners[1].x + 100);
+  EXPECT_GT(code.corners[3].y, code.corners[0].y + 100);
+}
+
+TEST(QrDecoder, TreatsUprightCodesAlikeInEitherMode) {
+  const QrPicture picture(320, 240, {"upright"});
+  NoxVideoFrame spoiled_frame = picture.frame();
+  qr::Decoder decoder(qr::Mirrored::kRead);
+  decoder.decode(luma_of(picture.frame()));
+  EXPECT_EQ(payloads(decoder), std::vector<std::string>{"upright"});
+  spoil(&spoiled_frame, 160 - 52, 120 - 52, 5);
+  decoder.decode(luma_of(spoiled_frame));
+  ASSERT_EQ(decoder.codes().size(), 1U);
+  EXPECT_STREQ(decoder.codes()[0].error, quirc_strerror(QUIRC_ERROR_DATA_ECC));
+}
+
 TEST(QrDecoder, ForgetsTheCodesOfTheLastPicture) {
   const QrPicture picture(320, 240, {"seen once"});
   const std::vector<std::uint8_t> gray(std::size_t{320} * 240, 128);

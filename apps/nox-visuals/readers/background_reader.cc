@@ -9,7 +9,7 @@
 namespace nox::app {
 
 BackgroundReader::BackgroundReader(std::vector<std::unique_ptr<Reader>> readers,
-                                   std::function<void(Code)> found)
+                                   std::function<void(Code code, bool first)> found)
     : readers_(std::move(readers)), found_(std::move(found)), thread_([this] { run(); }) {}
 
 BackgroundReader::~BackgroundReader() {
@@ -64,7 +64,7 @@ void BackgroundReader::read(Frame *frame) {
     for (std::size_t i = known; i < frame->seen.size(); ++i) {
       Code code = frame->seen[i];
       code.when = frame->when;
-      found_(std::move(code));
+      found_(std::move(code), i == 0);
     }
   }
 }

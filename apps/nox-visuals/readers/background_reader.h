@@ -17,9 +17,10 @@ namespace nox::app {
 
 class BackgroundReader {
  public:
-  // `found` is called from the thread, with each code that the readers see in a frame and nobody
-  // saw before, and the frame's moment in it.
-  BackgroundReader(std::vector<std::unique_ptr<Reader>> readers, std::function<void(Code)> found);
+  // `found` is called from the thread with each code that the readers see in a frame and nobody saw
+  // before, the frame's moment in it, and with whether it is the first code of that frame.
+  BackgroundReader(std::vector<std::unique_ptr<Reader>> readers,
+                   std::function<void(Code code, bool first)> found);
   ~BackgroundReader();
   BackgroundReader(const BackgroundReader &) = delete;
   BackgroundReader &operator=(const BackgroundReader &) = delete;
@@ -44,7 +45,7 @@ class BackgroundReader {
   void read(Frame *frame);
 
   std::vector<std::unique_ptr<Reader>> readers_;
-  std::function<void(Code)> found_;
+  std::function<void(Code code, bool first)> found_;
   std::mutex mutex_;
   std::condition_variable changed_;
   Frame waiting_;  // its memory stays with it

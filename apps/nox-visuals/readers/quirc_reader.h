@@ -1,4 +1,4 @@
-// quirc: fast enough for every frame of a live stream.
+// quirc: fast enough for every frame of a live stream. Reads mirrored codes too.
 #ifndef NOX_VISUALS_READERS_QUIRC_READER_H_
 #define NOX_VISUALS_READERS_QUIRC_READER_H_
 
@@ -13,7 +13,7 @@ class QuircReader : public Reader {
   std::vector<Code> read(const qr::Luma &picture) override;
 
  private:
-  qr::Decoder decoder_;
+  qr::Decoder decoder_{qr::Mirrored::kRead};
 };
 
 }  // namespace nox::app

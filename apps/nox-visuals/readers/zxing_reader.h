@@ -1,4 +1,4 @@
-// ZXing-C++: reads inverted, mirrored and unevenly lit codes too, and takes longer.
+// ZXing-C++: reads inverted and unevenly lit codes too, and takes longer.
 #ifndef NOX_VISUALS_READERS_ZXING_READER_H_
 #define NOX_VISUALS_READERS_ZXING_READER_H_
 

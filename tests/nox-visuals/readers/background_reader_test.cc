@@ -75,7 +75,11 @@ class SampleReader : public Reader {
 // What was found; looked at when the thread has ended.
 struct Found {
   std::vector<Code> codes;
-  void operator()(Code code) { codes.push_back(std::move(code)); }
+  std::vector<bool> first;
+  void operator()(Code code, bool is_first) {
+    codes.push_back(std::move(code));
+    first.push_back(is_first);
+  }
 };
 
 template <typename... Made>
@@ -105,6 +109,7 @@ TEST(BackgroundReader, GivesCodesTheMomentOfTheirFrame) {
   EXPECT_EQ(found.codes[0].bytes, "7");
   EXPECT_EQ(found.codes[0].when.pts_ns, 7);
   EXPECT_EQ(found.codes[0].size, 10);
+  EXPECT_TRUE(found.first[0]);
 }
 
 TEST(BackgroundReader, TakesTheNewestFrameAndNeverWaits) {
@@ -140,6 +145,7 @@ TEST(BackgroundReader, SaysACodeOnceForAllReaders) {
   background.finish();
   ASSERT_EQ(found.codes.size(), 1U);
   EXPECT_EQ(found.codes[0].reader, "first");
+  EXPECT_FALSE(found.first[0]);
 }
 
 TEST(BackgroundReader, EndsWithoutAFrame) {

@@ -47,7 +47,13 @@ class CodePicture {
   }
 
   void invert() {
-    change([](std::uint8_t sample) { return 255 - sample; });
+    for_each_row([](std::uint8_t *begin, std::uint8_t *end) {
+      std::transform(begin, end, begin,
+                     [](std::uint8_t sample) { return static_cast<std::uint8_t>(255 - sample); });
+    });
+  }
+  void mirror() {
+    for_each_row([](std::uint8_t *begin, std::uint8_t *end) { std::reverse(begin, end); });
   }
 
   qr::Luma luma() const {
@@ -56,12 +62,10 @@ class CodePicture {
 
  private:
   template <typename Change>
-  void change(Change sample_of) {
+  void for_each_row(Change change) {
     for (int y = 0; y < plane_.height(); ++y) {
       std::uint8_t *row = plane_.row(y);
-      std::transform(row, row + plane_.width(), row, [sample_of](std::uint8_t sample) {
-        return static_cast<std::uint8_t>(sample_of(sample));
-      });
+      change(row, row + plane_.width());
     }
   }
 
@@ -155,6 +159,14 @@ TEST(Readers, ReadInvertedCodesWithZxing) {
   ASSERT_EQ(codes.size(), 1U);
   EXPECT_EQ(codes[0].bytes, "light on dark");
   EXPECT_EQ(codes[0].reader, "zxing");
+}
+
+TEST(Readers, ReadMirroredCodes) {
+  CodePicture picture(320, 240, "in a mirror", 5);
+  picture.mirror();
+  const std::vector<Code> codes = read("all", picture);
+  ASSERT_EQ(codes.size(), 1U);
+  EXPECT_EQ(codes[0].bytes, "in a mirror");
 }
 
 // A sharp picture of a code of libqrencode's.
