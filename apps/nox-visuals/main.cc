@@ -1,7 +1,7 @@
 // nox-visuals: what the module's elements see, for people and for the tools that they use.
 #include <gst/gst.h>
 
-#include <cstdio>
+#include <csignal>
 #include <exception>
 
 #include "nox-visuals/commands/commands.h"
@@ -64,6 +64,8 @@ int run(int argc, char **argv) {
 }  // namespace
 
 int main(int argc, char **argv) {
+  // Who no longer reads is found out by the write, which says so.
+  std::signal(SIGPIPE, SIG_IGN);
   gst_init(nullptr, nullptr);
   nox::app::find_module();
   const int status = run(argc, argv);

@@ -1,69 +1,71 @@
 // nox-visuals track: follows a pen of light.
-#include <glib.h>
-
 #include <memory>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "nox-visuals/commands/commands.h"
+#include "nox-visuals/commands/pen_stream.h"
+#include "nox-visuals/commands/track_files.h"
 #include "nox-visuals/errors.h"
 #include "nox-visuals/options/output_options.h"
 #include "nox-visuals/options/smoothing_options.h"
 #include "nox-visuals/options/source_options.h"
 #include "nox-visuals/outputs/outputs.h"
 #include "nox-visuals/steps/steps.h"
-#include "nox-visuals/stream/delivery.h"
-#include "nox-visuals/stream/pen_observer.h"
-#include "nox-visuals/stream/stream.h"
 
 namespace nox::app {
 namespace {
 
 struct TrackOptions {
+  std::vector<std::string> words;  // SOURCE...
   SourceOptions source;
   SmoothingOptions smoothing;
   OutputOptions outputs;
   bool mirror = false;
+  bool swap_colours = false;
+  std::string preview;     // launch description of a sink; empty: none
+  std::string output_dir;  // empty: lines go to standard output
+  bool again = false;
 };
 
-constexpr const char *kTail = "noxpentracker name=tracker ! fakesink sync=false";
-
-StreamPlan make_plan(const SourceOptions &options) {
-  StreamPlan plan;
-  plan.source = parse_source(options.word, options.frames);
-  plan.word = options.word;
-  plan.tail = kTail;
-  plan.retry = options.retry;
-  return plan;
+PenStream make_pen_stream(const TrackOptions &options, const std::string &word) {
+  PenStream it;
+  it.source = parse_source(word, options.source.frames);
+  it.word = word;
+  it.retry = options.source.retry;
+  it.swap_colours = options.swap_colours;
+  if (!options.preview.empty()) it.preview = options.preview;
+  it.steps = make_pen_steps(options.mirror, options.smoothing);
+  return it;
 }
 
-// Brings what a stream's tracker sees to the outputs.
-int follow(StreamPlan plan, std::vector<std::unique_ptr<Step>> steps,
-           std::vector<std::unique_ptr<Output>> outputs) {
-  Counts counts;
-  Stream stream(&counts);
-  Delivery delivery(std::move(steps), std::move(outputs), &counts, [&stream] { stream.stop(); });
-  PenObserver observer(&counts, [&delivery](Observation it) { delivery.push(std::move(it)); });
-  plan.started = [&observer](GstElement *pipeline) {
-    const GstPointer<GstElement> tracker(gst_bin_get_by_name(GST_BIN(pipeline), "tracker"));
-    observer.attach(tracker.get());
+int track_one(const TrackOptions &options) {
+  if (options.words.size() != 1) throw UsageError("several sources need --output-dir");
+  if (options.again) throw UsageError("--again belongs to --output-dir");
+  SourceOptions source = options.source;
+  source.word = options.words.front();
+  PenStream it = make_pen_stream(options, source.word);
+  it.open_outputs = [&options, name = stream_name(source)](bool live) {
+    return open_outputs(options.outputs, name, live);
   };
-  plan.gone = [&observer] { observer.detach(); };
-  stream.open(std::move(plan));
-  if (stream.live()) {
-    observer.tell_wall_time();
-    delivery.drop_when_full();
+  return follow_pen(std::move(it));
+}
+
+int track_to_files(const TrackOptions &options) {
+  if (any_output(options.outputs) || !options.preview.empty()) {
+    throw UsageError("--output-dir writes files and goes with no other output");
   }
-  const std::string failure = stream.run();
-  delivery.finish(observer.now());
-  if (!failure.empty()) throw StreamError(failure);
-  return delivery.output_broken() ? kOutputFailed : kDone;
+  if (!options.source.name.empty() && options.words.size() > 1) {
+    throw UsageError("--name is for one source");
+  }
+  return track_files(
+      {options.words, options.source.name, options.output_dir, options.again},
+      [&options](const std::string &word) { return make_pen_stream(options, word); });
 }
 
 int track(const TrackOptions &options) {
-  StreamPlan plan = make_plan(options.source);
-  auto steps = make_pen_steps(options.mirror, options.smoothing);
-  auto outputs = open_outputs(options.outputs, stream_name(options.source));
-  return follow(std::move(plan), std::move(steps), std::move(outputs));
+  return options.output_dir.empty() ? track_one(options) : track_to_files(options);
 }
 
 }  // namespace
@@ -71,11 +73,19 @@ int track(const TrackOptions &options) {
 void add_track(CLI::App *program, Action *chosen) {
   CLI::App *command = program->add_subcommand("track", "follows a pen of light");
   const auto options = std::make_shared<TrackOptions>();
-  add_source_options(command, &options->source);
+  command->add_option("SOURCE", options->words, "a file, a URI, /dev/videoN, test:pen, gst:...")
+      ->required()
+      ->option_text("");
+  add_stream_options(command, &options->source);
   command->add_flag("--mirror,!--no-mirror", options->mirror, "for a camera behind the surface");
+  command->add_flag("--swap-colours", options->swap_colours, "for a pen that hovers red");
   add_smoothing_options(command, &options->smoothing);
   add_pen_output_options(command, &options->outputs);
   add_output_options(command, &options->outputs);
+  command->add_flag("--preview{autovideosink}", options->preview, "shows the picture and the pen");
+  command->add_option("--output-dir", options->output_dir, "writes D/NAME.jsonl for each file")
+      ->option_text("D");
+  command->add_flag("--again", options->again, "does files anew that are done");
   command->footer("Example: nox-visuals track /dev/video0 --tuio localhost");
   command->callback([chosen, options] { *chosen = [options] { return track(*options); }; });
 }

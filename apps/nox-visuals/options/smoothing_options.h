@@ -4,14 +4,13 @@
 
 #include <CLI/CLI.hpp>
 
-#include <optional>
 #include <string>
 
 namespace nox::app {
 
 struct SmoothingOptions {
-  double debounce_ms = 0;             // 0: off
-  std::optional<std::string> smooth;  // FMIN,BETA,DCUT, or "" for the usual constants; none: off
+  double debounce_ms = 0;  // 0: off
+  std::string smooth;      // FMIN,BETA,DCUT or "usual"; empty: off
 };
 
 void add_smoothing_options(CLI::App *command, SmoothingOptions *options);

@@ -19,20 +19,6 @@ std::string check_name(const std::string &name) {
   return right ? "" : "a name has letters, digits, - and _ only, not '" + name + "'";
 }
 
-// What others is replaced by one -.
-std::string as_name(const std::string &text) {
-  std::string name;
-  for (const char c : text) {
-    if (is_name_character(c)) {
-      name += c;
-    } else if (!name.empty() && name.back() != '-') {
-      name += '-';
-    }
-  }
-  while (!name.empty() && name.back() == '-') name.pop_back();
-  return name;
-}
-
 // The last part of a path or an address without its ending; all of a scene's or description's name.
 std::string short_name(const std::string &source) {
   if (source.starts_with("gst:")) return "gst";
@@ -54,6 +40,19 @@ void set_retry(const std::string &word, std::optional<double> *retry) {
 
 }  // namespace
 
+std::string as_name(const std::string &text) {
+  std::string name;
+  for (const char c : text) {
+    if (is_name_character(c)) {
+      name += c;
+    } else if (!name.empty() && name.back() != '-') {
+      name += '-';
+    }
+  }
+  while (!name.empty() && name.back() == '-') name.pop_back();
+  return name;
+}
+
 void add_stream_options(CLI::App *command, SourceOptions *options) {
   command->add_option("--name", options->name, "of the stream (default: host and source)")
       ->option_text("S")
@@ -67,7 +66,7 @@ void add_stream_options(CLI::App *command, SourceOptions *options) {
           "longest wait for a source that went (default 30)")
       ->option_text("SECONDS|never");
   command->add_option("--config")
-      ->description("takes options from F, one option = value a line")
+      ->description("options from F: option = value a line")
       ->option_text("F");
 }
 

@@ -23,6 +23,9 @@ void add_source_options(CLI::App *command, SourceOptions *options);
 // The same without SOURCE, for commands that take several.
 void add_stream_options(CLI::App *command, SourceOptions *options);
 
+// `text` with a - for each run of other characters; "" when nothing is left.
+std::string as_name(const std::string &text);
+
 // The given name, or one of the host's name and the source's: letters, digits, - and _.
 std::string stream_name(const SourceOptions &options);
 

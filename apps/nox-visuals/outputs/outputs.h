@@ -14,7 +14,10 @@ namespace nox::app {
 // Standard output's JSON lines and what `options` name, for the stream of this name. Throws
 // OutputError when one cannot be opened, and UsageError when it is not built in.
 std::vector<std::unique_ptr<Output>> open_outputs(const OutputOptions &options,
-                                                  const std::string &stream);
+                                                  const std::string &stream, bool live);
+
+// Whether `options` name any.
+bool any_output(const OutputOptions &options);
 
 }  // namespace nox::app
 

@@ -8,8 +8,6 @@
 namespace nox::app {
 namespace {
 
-// Half a minute at 30 a second: outputs that are slower than that have stopped.
-constexpr std::size_t kCapacity = 1000;
 constexpr std::chrono::milliseconds kTick{50};
 
 std::int64_t monotonic_ns() {
@@ -18,14 +16,14 @@ std::int64_t monotonic_ns() {
 
 }  // namespace
 
-Delivery::Delivery(std::vector<std::unique_ptr<Step>> steps,
+Delivery::Delivery(ObservationQueue *queue, std::vector<std::unique_ptr<Step>> steps,
                    std::vector<std::unique_ptr<Output>> outputs, const Counts *counts,
                    std::function<void()> give_up)
-    : steps_(std::move(steps)),
+    : queue_(queue),
+      steps_(std::move(steps)),
       outputs_(std::move(outputs)),
       counts_(counts),
       give_up_(std::move(give_up)),
-      queue_(kCapacity),
       thread_([this] { run(); }) {}
 
 Delivery::~Delivery() {
@@ -33,7 +31,7 @@ Delivery::~Delivery() {
 }
 
 void Delivery::finish(const Moment &when) {
-  queue_.push(End{when, {}});
+  queue_->push(End{when, {}});
   thread_.join();
 }
 
@@ -43,7 +41,7 @@ bool Delivery::output_broken() const {
 
 Totals Delivery::totals() const {
   Totals totals = counts_->totals();
-  totals.undelivered += queue_.dropped();
+  totals.undelivered += queue_->dropped();
   for (const auto &output : outputs_) totals.undelivered += output->undelivered();
   return totals;
 }
@@ -78,7 +76,7 @@ void Delivery::run() {
   bool gave_up = false;
   std::int64_t next_tick = 0;
   for (bool ended = false; !ended;) {
-    if (const auto observation = queue_.pop(kTick)) ended = deliver(*observation);
+    if (const auto observation = queue_->pop(kTick)) ended = deliver(*observation);
     const std::int64_t now = monotonic_ns();
     if (now >= next_tick) {
       tick();

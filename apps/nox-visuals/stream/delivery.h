@@ -15,19 +15,18 @@
 
 namespace nox::app {
 
+// How many observations may wait: half a minute's at 30 a second. Outputs that are slower than that
+// have stopped.
+inline constexpr std::size_t kDeliveryCapacity = 1000;
+
 class Delivery {
  public:
-  // `counts` must outlive it. When every output is broken, `give_up` is called once, from the
-  // thread.
-  Delivery(std::vector<std::unique_ptr<Step>> steps, std::vector<std::unique_ptr<Output>> outputs,
-           const Counts *counts, std::function<void()> give_up);
+  // Takes from `queue`, which must outlive it as `counts` must. When every output is broken,
+  // `give_up` is called once, from the thread.
+  Delivery(ObservationQueue *queue, std::vector<std::unique_ptr<Step>> steps,
+           std::vector<std::unique_ptr<Output>> outputs, const Counts *counts,
+           std::function<void()> give_up);
   ~Delivery();
-
-  // From now on the stream does not wait for slow outputs. Before the first observation.
-  void drop_when_full() { queue_.set_when_full(WhenFull::kDropOldest); }
-
-  // From the streaming thread.
-  void push(Observation observation) { queue_.push(std::move(observation)); }
 
   // Sends the end of the stream with the final counts, waits until everything is delivered, and
   // ends the thread.
@@ -42,11 +41,11 @@ class Delivery {
   void tick();
   Totals totals() const;
 
+  ObservationQueue *queue_;
   std::vector<std::unique_ptr<Step>> steps_;
   std::vector<std::unique_ptr<Output>> outputs_;
   const Counts *counts_;
   std::function<void()> give_up_;
-  ObservationQueue queue_;
   std::thread thread_;
 };
 

@@ -8,6 +8,7 @@
 #include "nox-visuals/errors.h"
 #include "nox-visuals/stream/missing_plugin.h"
 #include "nox-visuals/stream/pipeline.h"
+#include "nox-visuals/stream/progress.h"
 #include "nox-visuals/stream/signals.h"
 
 namespace nox::app {
@@ -27,6 +28,17 @@ std::string seconds(double value) {
   char text[32];
   std::snprintf(text, sizeof text, "%g s", value);
   return text;
+}
+
+// Of a stream whose length is known.
+std::optional<double> part_done(GstElement *pipeline) {
+  gint64 position = 0;
+  gint64 duration = 0;
+  if (gst_element_query_position(pipeline, GST_FORMAT_TIME, &position) == FALSE ||
+      gst_element_query_duration(pipeline, GST_FORMAT_TIME, &duration) == FALSE || duration <= 0) {
+    return {};
+  }
+  return std::clamp(static_cast<double>(position) / static_cast<double>(duration), 0.0, 1.0);
 }
 
 }  // namespace
@@ -65,6 +77,7 @@ void Stream::drop_pipeline() {
 
 std::string Stream::run() {
   const SignalWatch signals([this] { finish(); });
+  started_us_ = g_get_monotonic_time();
   const guint look_timer = g_timeout_add(kLookMs, on_look, this);
   gst_element_set_state(pipeline_.get(), GST_STATE_PLAYING);
   g_main_loop_run(loop_);
@@ -152,6 +165,16 @@ void Stream::look() {
     away_ = false;
     say(plan_.word + " is back");
   }
+  if (can_show_progress()) tell_progress();
+}
+
+void Stream::tell_progress() {
+  ProgressState state;
+  state.frames = counts_->frames;
+  state.dropped = counts_->dropped;
+  state.elapsed_s = static_cast<double>(g_get_monotonic_time() - started_us_) / 1e6;
+  if (!live_ && pipeline_ != nullptr) state.part = part_done(pipeline_.get());
+  show_progress(progress_line(state, progress_columns()));
 }
 
 gboolean Stream::on_message(GstBus * /*bus*/, GstMessage *message, gpointer stream) {

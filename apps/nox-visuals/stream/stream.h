@@ -40,6 +40,9 @@ class Stream {
   // Frames of a file may flow from here on, those of a live stream only from run() on.
   void open(StreamPlan plan);
 
+  // While it is open.
+  GstElement *pipeline() const { return pipeline_.get(); }
+
   // A live source delivers at its own pace: of its frames the newest wins.
   bool live() const { return live_; }
 
@@ -58,6 +61,7 @@ class Stream {
   void try_again();
   void finish();
   void look();
+  void tell_progress();
   bool returns() const;
 
   static gboolean on_message(GstBus *bus, GstMessage *message, gpointer stream);
@@ -79,6 +83,7 @@ class Stream {
   bool away_ = false;     // the source went and is not back yet
   double next_wait_ = 0;  // seconds
   std::uint64_t frames_then_ = 0;
+  gint64 started_us_ = 0;
   std::string missing_;  // a plugin that the pipeline lacks, and its package
   std::string failure_;  // why the stream failed
 };
