@@ -17,7 +17,7 @@ class PadLine {
   // `first` and `last` are one element, or the ends of several that are linked already.
   PadLine(GstElement *first, GstElement *last, const GstVideoInfo &info)
       : source_(gst_pad_new("source", GST_PAD_SRC)),
-        sink_(gst_pad_new("sink", GST_PAD_SINK)),
+        sink_(gst_pad_new_from_static_template(&any_caps_, "sink")),
         in_(gst_element_get_static_pad(first, "sink")),
         out_(gst_element_get_static_pad(last, "src")) {
     gst_pad_set_chain_function(sink_.get(), count_frame);
@@ -74,6 +74,10 @@ class PadLine {
     gst_event_unref(event);
     return TRUE;
   }
+
+  // Without a template the sink would take no caps but the first.
+  static inline GstStaticPadTemplate any_caps_ =
+      GST_STATIC_PAD_TEMPLATE("sink", GST_PAD_SINK, GST_PAD_ALWAYS, GST_STATIC_CAPS_ANY);
 
   std::atomic<int> passed_{0};
   std::atomic<int> received_{0};
