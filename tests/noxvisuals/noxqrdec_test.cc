@@ -13,6 +13,7 @@
 #include "scenes/qr_scene.h"
 #include "support/harness.h"
 #include "support/log_capture.h"
+#include "support/log_file.h"
 #include "support/pipeline.h"
 #include "support/qr_picture.h"
 #include "support/quick.h"
@@ -98,6 +99,36 @@ TEST(NoxQrDec, LogsAPayloadUpToItsFirstNul) {
   dec.set_size(320, 240);
   dec.push_picture(QrPicture(320, 240, {std::string("seen\0unseen", 11)}));
   EXPECT_EQ(log.messages(), Messages{"Got QR Payload: seen"});
+}
+
+// Line ends, control characters and what is not UTF-8: nothing is escaped, replaced or left out.
+const std::string kRawPayloads[] = {
+    "first\nGot QR Payload: second",
+    "back\rover\bit",
+    "\x1B[2J\x1B[31mred\x1B]0;title\x07",
+    "bad \xFF\xFE\xC3(",
+    "%s%n%d",
+};
+
+TEST(NoxQrDec, LogsAPayloadAsItIs) {
+  for (const std::string &payload : kRawPayloads) {
+    const LogCapture log(kCategory, GST_LEVEL_INFO);
+    QrDec dec;
+    dec.set_size(320, 240);
+    dec.push_picture(QrPicture(320, 240, {payload}));
+    EXPECT_EQ(log.messages(), Messages{"Got QR Payload: " + payload});
+  }
+}
+
+// A code can forge a line of the log, and a reader of the log has to know.
+TEST(NoxQrDec, ItsLineReachesTheLogAsItIs) {
+  for (const std::string &payload : kRawPayloads) {
+    LogFile log(kCategory, GST_LEVEL_INFO);
+    QrDec dec;
+    dec.set_size(320, 240);
+    dec.push_picture(QrPicture(320, 240, {payload}));
+    EXPECT_NE(log.text().find("Got QR Payload: " + payload + "\n"), std::string::npos);
+  }
 }
 
 TEST(NoxQrDec, LogsWhatTheCoreReads) {
