@@ -3,12 +3,12 @@
 #define PENTRACKER_CROWD_LINKER_H_
 
 #include <cstdint>
-#include <vector>
 
 #include "pentracker/blob_links.h"
-#include "pentracker/link_kernels.h"
+#include "pentracker/distant_blobs.h"
+#include "pentracker/link_columns.h"
 #include "pentracker/near_blobs.h"
-#include "pentracker/open_blobs.h"
+#include "pentracker/rising_links.h"
 
 namespace nox::pentracker {
 
@@ -17,9 +17,7 @@ namespace nox::pentracker {
 //
 // It begins with the first few blobs that can still be had: where little moves, one of them is the
 // right one and cannot be surpassed. Of the others, those that are expected near the new blob are
-// picked out with the help of a grid. What is left are walks, from one picked blob to the next,
-// over the blobs that are still open to distant ones, until something has scored higher than these
-// can.
+// picked out with the help of a grid, and distant ones by their shapes.
 class CrowdLinker {
  public:
   // Begins a frame; no blob of `earlier` has a successor yet.
@@ -30,17 +28,17 @@ class CrowdLinker {
 
  private:
   void find_links(const LinkQuery &query);
-  void add(LinkCandidate link);
+  void sort_out();
   void take_links(Blob *blob);
   bool is_closed(std::int32_t index) const;
 
   BlobSpan earlier_{};
+  LinkColumns table_;       // of all blobs, in list order
   std::int32_t first_ = 0;  // all blobs before this one are closed to any other
-  bool near_is_built_ = false;
+  bool is_sorted_out_ = false;
   NearBlobs near_;
-  OpenBlobs open_;
-  std::vector<LinkCandidate> links_;  // of the current blob, in the order in which they are taken
-  LinkWalk walk_{};                   // that finds them
+  DistantBlobs distant_;
+  RisingLinks links_;  // of the current blob
 };
 
 }  // namespace nox::pentracker

@@ -125,55 +125,56 @@ HWY_INLINE FloatVector exact_positions(const LinkColumns &columns, std::size_t i
 }
 
 // Takes of the lanes that are set those that score above all before them.
-HWY_INLINE void take_rising(const LinkColumns &columns, hn::Mask<Floats> higher, FloatVector scores,
-                            LinkWalk *walk) {
+HWY_INLINE void take_rising(hn::Mask<Floats> higher, FloatVector scores, LinkWalk *walk) {
   HWY_ALIGN float score[kLanes];
   hn::Store(scores, Floats(), score);
   for (std::uint32_t left = lanes_of(higher); left != 0; left &= left - 1) {
     const int lane = std::countr_zero(left);
     if (score[lane] <= walk->best) continue;
-    *walk->next++ = {columns.index[static_cast<std::size_t>(walk->row + lane)], score[lane]};
+    *walk->next++ = {walk->row + lane, score[lane]};
     walk->best = score[lane];
   }
 }
 
-// Without kNear, the position factor of every blob is that of a distant one.
-template <bool kNear>
-HWY_INLINE void go_on(const LinkColumns &columns, const LinkQuery &query, std::int32_t limit,
-                      float enough, LinkWalk *result) {
+void WalkAll(const LinkColumns &columns, const LinkQuery &query, std::int32_t limit, float enough,
+             LinkWalk *result) {
   const Floats d;
-  const hn::RebindToSigned<Floats> indices;
-  const auto lanes = static_cast<std::int32_t>(hn::Lanes(d));
+  const hn::RebindToSigned<Floats> rows;
   LinkWalk walk = *result;
-  for (; walk.row < columns.size && walk.best < enough; walk.row += lanes) {
+  for (; walk.row < limit && walk.best < enough;
+       walk.row += static_cast<std::int32_t>(hn::Lanes(d))) {
     const auto i = static_cast<std::size_t>(walk.row);
-    const auto inside =
-        hn::RebindMask(d, hn::Lt(hn::LoadU(indices, &columns.index[i]), hn::Set(indices, limit)));
-    const FloatVector least = hn::LoadU(d, &columns.least[i]);
-    const FloatVector bound = hn::Mul(kNear ? hn::Max(nearness(columns, i, query), least) : least,
-                                      likeness(columns, i, query.shape));
+    const auto inside = hn::RebindMask(d, hn::Lt(hn::Iota(rows, walk.row), hn::Set(rows, limit)));
+    const FloatVector position =
+        hn::Max(nearness(columns, i, query), hn::LoadU(d, &columns.least[i]));
+    const FloatVector bound = hn::Mul(position, likeness(columns, i, query.shape));
     const FloatVector passed = hn::Max(hn::LoadU(d, &columns.taken[i]), hn::Set(d, walk.best));
-    if (!hn::AllFalse(d, hn::And(inside, hn::Gt(bound, passed)))) {
-      const FloatVector scores =
-          exact_scores(columns, i, query.shape, kNear ? exact_positions(columns, i, query) : least);
-      take_rising(columns, hn::And(inside, hn::Gt(scores, passed)), scores, &walk);
-    }
-    if (columns.index[i + static_cast<std::size_t>(lanes) - 1] >= limit) {
-      walk.row += static_cast<std::int32_t>(hn::CountTrue(d, inside));
-      break;
-    }
+    if (hn::AllFalse(d, hn::And(inside, hn::Gt(bound, passed)))) continue;
+    const FloatVector scores =
+        exact_scores(columns, i, query.shape, exact_positions(columns, i, query));
+    take_rising(hn::And(inside, hn::Gt(scores, passed)), scores, &walk);
   }
+  walk.row = std::min(walk.row, limit);
   *result = walk;
 }
 
-void WalkAll(const LinkColumns &columns, const LinkQuery &query, std::int32_t limit, float enough,
-             LinkWalk *walk) {
-  go_on<true>(columns, query, limit, enough, walk);
-}
-
-void WalkDistant(const LinkColumns &columns, const LinkQuery &query, std::int32_t limit,
-                 float enough, LinkWalk *walk) {
-  go_on<false>(columns, query, limit, enough, walk);
+LinkCandidate NextDistant(const LinkColumns &columns, const LinkQuery &query, std::int32_t row,
+                          float above) {
+  const Floats d;
+  for (; row < columns.size; row += static_cast<std::int32_t>(hn::Lanes(d))) {
+    const auto i = static_cast<std::size_t>(row);
+    const FloatVector least = hn::LoadU(d, &columns.least[i]);
+    const FloatVector bound = hn::Mul(least, likeness(columns, i, query.shape));
+    const FloatVector passed = hn::Max(hn::LoadU(d, &columns.taken[i]), hn::Set(d, above));
+    if (hn::AllFalse(d, hn::Gt(bound, passed))) continue;
+    const FloatVector scores = exact_scores(columns, i, query.shape, least);
+    const std::intptr_t lane = hn::FindFirstTrue(d, hn::Gt(scores, passed));
+    if (lane < 0) continue;
+    HWY_ALIGN float score[kLanes];
+    hn::Store(scores, d, score);
+    return {row + static_cast<std::int32_t>(lane), score[lane]};
+  }
+  return {columns.size, 0.0F};
 }
 
 }  // namespace
@@ -185,7 +186,7 @@ namespace nox::pentracker {
 
 HWY_EXPORT(LikelyNear);
 HWY_EXPORT(WalkAll);
-HWY_EXPORT(WalkDistant);
+HWY_EXPORT(NextDistant);
 
 std::int32_t likely_near(const LinkColumns &columns, const LinkQuery &query, float above,
                          LinkRows rows, LinkCandidate *out) {
@@ -197,9 +198,9 @@ void walk_all(const LinkColumns &columns, const LinkQuery &query, std::int32_t l
   HWY_DYNAMIC_DISPATCH(WalkAll)(columns, query, limit, enough, walk);
 }
 
-void walk_distant(const LinkColumns &columns, const LinkQuery &query, std::int32_t limit,
-                  float enough, LinkWalk *walk) {
-  HWY_DYNAMIC_DISPATCH(WalkDistant)(columns, query, limit, enough, walk);
+LinkCandidate next_distant(const LinkColumns &columns, const LinkQuery &query, std::int32_t row,
+                           float above) {
+  return HWY_DYNAMIC_DISPATCH(NextDistant)(columns, query, row, above);
 }
 
 }  // namespace nox::pentracker

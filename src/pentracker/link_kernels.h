@@ -26,22 +26,22 @@ struct LinkRows {
 std::int32_t likely_near(const LinkColumns &columns, const LinkQuery &query, float above,
                          LinkRows rows, LinkCandidate *out);
 
-// A walk over a table whose indices rise, and what it has taken so far: each blob that scores above
-// all before it and above what it is taken for, with its exact score.
+// A walk over a table, and what it has taken so far: each blob that scores above all before it and
+// above what it is taken for, with its row as index and its exact score.
 struct LinkWalk {
   std::int32_t row;     // where it goes on
   float best;           // the last score
   LinkCandidate *next;  // where the next one that is taken goes; there must be room for all rows
 };
 
-// Walks on over the rows with indices below `limit`; stops early at a score of `enough`.
+// Walks on over the rows below `limit`; stops early at a score of `enough`.
 void walk_all(const LinkColumns &columns, const LinkQuery &query, std::int32_t limit, float enough,
               LinkWalk *walk);
 
-// The same where no blob that is near scores above `best`, or above any that is not: there is no
-// need to ask how near they are.
-void walk_distant(const LinkColumns &columns, const LinkQuery &query, std::int32_t limit,
-                  float enough, LinkWalk *walk);
+// The first row from `row` on that, as a distant blob, scores above `above` and above what it is
+// taken for, with its exact score; the table's size and 0 if there is none.
+LinkCandidate next_distant(const LinkColumns &columns, const LinkQuery &query, std::int32_t row,
+                           float above);
 
 }  // namespace nox::pentracker
 

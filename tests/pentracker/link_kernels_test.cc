@@ -44,7 +44,7 @@ struct Table {
       if (random->chance(0.5)) {
         blob.successor_score = 0.1F * static_cast<float>(random->between(0, 10));
       }
-      columns.put(i, 2 * i, blob);
+      columns.put(i, i, blob);
     }
   }
 
@@ -63,7 +63,7 @@ std::vector<LinkCandidate> plain_walk(const Table &table, const LinkQuery &query
     const Blob &blob = table.blobs[Table::at(row)];
     const float score = pentracker::match_score(blob, query);
     if (score <= best || score <= blob.successor_score) continue;
-    taken.push_back({2 * row, score});
+    taken.push_back({row, score});
     best = score;
   }
   return taken;
@@ -92,42 +92,40 @@ class LinkKernelsTest : public hwy::TestWithParamTarget {
 
 HWY_TARGET_INSTANTIATE_TEST_SUITE_P(LinkKernelsTest);
 
-using WalkFunction = decltype(&pentracker::walk_all);
-
 // Walks over the rows, in two stages, and compares what is taken with a walk one by one.
-void compare_walk(WalkFunction walk, const Table &table, const LinkQuery &query, LinkRows rows,
-                  float best) {
-  const std::vector<LinkCandidate> plain = plain_walk(table, query, rows, best);
-  std::vector<LinkCandidate> taken(Table::at(table.columns.size));
-  LinkWalk state{rows.begin, best, taken.data()};
-  walk(table.columns, query, rows.begin + rows.end, 1.0F, &state);
-  if (state.best < 1.0F) {
-    EXPECT_EQ(state.row, (rows.begin + rows.end + 1) / 2);
-  }
-  walk(table.columns, query, 2 * rows.end, 1.0F, &state);
-  ASSERT_EQ(state.next - taken.data(), static_cast<std::ptrdiff_t>(plain.size()));
-  for (std::size_t i = 0; i < plain.size(); ++i) {
-    EXPECT_EQ(taken[i].index, plain[i].index);
-    EXPECT_EQ(taken[i].score, plain[i].score);
-  }
-  EXPECT_EQ(state.best, plain.empty() ? best : plain.back().score);
-}
-
 TEST_P(LinkKernelsTest, WalkAllTakesWhatAWalkOneByOneTakes) {
   for_many([](const Table &table, const LinkQuery &query, LinkRows rows, float best) {
-    compare_walk(pentracker::walk_all, table, query, rows, best);
+    const std::vector<LinkCandidate> plain = plain_walk(table, query, rows, best);
+    std::vector<LinkCandidate> taken(Table::at(table.columns.size));
+    LinkWalk state{rows.begin, best, taken.data()};
+    const std::int32_t middle = (rows.begin + rows.end) / 2;
+    pentracker::walk_all(table.columns, query, middle, 1.0F, &state);
+    if (state.best < 1.0F) {
+      EXPECT_EQ(state.row, middle);
+    }
+    pentracker::walk_all(table.columns, query, rows.end, 1.0F, &state);
+    ASSERT_EQ(state.next - taken.data(), static_cast<std::ptrdiff_t>(plain.size()));
+    for (std::size_t i = 0; i < plain.size(); ++i) {
+      EXPECT_EQ(taken[i].index, plain[i].index);
+      EXPECT_EQ(taken[i].score, plain[i].score);
+    }
+    EXPECT_EQ(state.best, plain.empty() ? best : plain.back().score);
   });
 }
 
-// Where no blob is near, the two walks are one.
-TEST_P(LinkKernelsTest, WalkDistantTakesWhatAWalkOneByOneTakes) {
+// Where no blob is near, the first one that a walk takes is the next distant one.
+TEST_P(LinkKernelsTest, NextDistantIsTheFirstThatAWalkOneByOneTakes) {
   for_many([](const Table &near_table, const LinkQuery &query, LinkRows rows, float best) {
     Table table = near_table;
     for (std::int32_t i = 0; i < table.columns.size; ++i) {
       table.blobs[Table::at(i)].predicted_x += 200.0F;
-      table.columns.put(i, 2 * i, table.blobs[Table::at(i)]);
+      table.columns.put(i, i, table.blobs[Table::at(i)]);
     }
-    compare_walk(pentracker::walk_distant, table, query, rows, best);
+    const std::vector<LinkCandidate> plain =
+        plain_walk(table, query, {rows.begin, table.columns.size}, best);
+    const LinkCandidate next = pentracker::next_distant(table.columns, query, rows.begin, best);
+    EXPECT_EQ(next.index, plain.empty() ? table.columns.size : plain.front().index);
+    EXPECT_EQ(next.score, plain.empty() ? 0.0F : plain.front().score);
   });
 }
 
@@ -137,10 +135,10 @@ TEST_P(LinkKernelsTest, AWalkEndsAtAScoreThatIsEnough) {
     if (plain.size() < 2) return;
     std::vector<LinkCandidate> taken(Table::at(table.columns.size));
     LinkWalk state{rows.begin, best, taken.data()};
-    pentracker::walk_all(table.columns, query, 2 * rows.end, plain.front().score, &state);
+    pentracker::walk_all(table.columns, query, rows.end, plain.front().score, &state);
     ASSERT_GT(state.next, taken.data());
     EXPECT_EQ(taken.front().index, plain.front().index);
-    EXPECT_LE(state.row, plain.front().index / 2 + 16) << "at most the vector that holds it";
+    EXPECT_LE(state.row, plain.front().index + 16) << "at most the vector that holds it";
   });
 }
 
