@@ -81,7 +81,7 @@ HWY_INLINE void threshold_row(const std::uint8_t *samples, std::ptrdiff_t count,
 template <class Compare>
 HWY_INLINE void threshold_rows(BitMask *dst, const SamplePlane &plane, std::uint8_t limit) {
   const std::ptrdiff_t width =
-      (dst->width + kThresholdGroup - 1) / kThresholdGroup * kThresholdGroup;
+      (std::ptrdiff_t{dst->width} + kThresholdGroup - 1) / kThresholdGroup * kThresholdGroup;
   const std::uint8_t *samples = plane.samples;
   std::uint8_t *bits = dst->data;
   // Locals: the compiler would reload the fields after every store of bits.
@@ -142,7 +142,7 @@ HWY_INLINE void combine_row(std::uint8_t *dst, const std::uint8_t *a, const std:
 
 template <class Op>
 HWY_INLINE void combine_rows(BitMask *dst, const BitMask *a, const BitMask *b) {
-  const std::ptrdiff_t count = (dst->width + 63) / 64 * 8;
+  const std::ptrdiff_t count = (std::ptrdiff_t{dst->width} + 63) / 64 * 8;
   for (std::ptrdiff_t y = 0; y < dst->height; ++y) {
     combine_row<Op, HWY_MAX_BYTES>(dst->data + y * dst->stride, a->data + y * a->stride,
                                    b->data + y * b->stride, count);

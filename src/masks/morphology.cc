@@ -32,6 +32,7 @@ MorphologyPass make_pass(BitMask *dst, const BitMask &src, const StructuringElem
 // The element's rows with only the columns of `columns`.
 ElementPlan plan_columns(const StructuringElement &element, std::uint32_t columns) {
   std::vector<std::uint32_t> rows;
+  rows.reserve(static_cast<std::size_t>(std::max(element.height, 0)));
   for (std::int32_t r = 0; r < element.height; ++r) {
     rows.push_back(nox::masks::row_pattern(element, r) & columns);
   }

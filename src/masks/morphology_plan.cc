@@ -21,9 +21,9 @@ std::size_t term_index(ElementPlan *plan, RunTerm wanted) {
 // A run is the longest power of two that fits, at its beginning and, when that is shorter, at its
 // end.
 void add_run(ElementPlan *plan, std::int32_t first, std::int32_t length) {
-  const std::int32_t level =
-      static_cast<std::int32_t>(std::bit_width(static_cast<std::uint32_t>(length))) - 1;
-  const std::int32_t rest = length - (1 << level);
+  const std::uint32_t whole = std::bit_floor(static_cast<std::uint32_t>(length));
+  const std::int32_t level = std::countr_zero(whole);
+  const std::int32_t rest = length - static_cast<std::int32_t>(whole);
   plan->term_indices.push_back(term_index(plan, {level, first}));
   if (rest != 0) plan->term_indices.push_back(term_index(plan, {level, first + rest}));
 }

@@ -12,7 +12,7 @@ KeptBlock::~KeptBlock() {
 }
 
 void KeptBlock::reserve(std::size_t bytes) {
-  constexpr std::size_t kSmall = 64 * 1024;
+  constexpr std::size_t kSmall = std::size_t{64} * 1024;
   constexpr std::size_t kStep = 4096;  // spares a new block for every little growth
   if (bytes <= size_ && (size_ <= kSmall || bytes >= size_ / 2)) return;
   nox_aligned_free(block_);

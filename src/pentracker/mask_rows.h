@@ -29,7 +29,7 @@ inline std::int32_t most_edges(std::int32_t width) {
 // The pixels of a word of a row; what is stored right of the last column counts as 0.
 inline std::uint64_t read_word(const std::uint8_t *row, std::int32_t width, std::int32_t word) {
   std::uint64_t pixels;
-  std::memcpy(&pixels, row + word * 8, sizeof(pixels));
+  std::memcpy(&pixels, row + std::ptrdiff_t{word} * 8, sizeof(pixels));
   const std::int32_t left = width - word * kWordBits;
   return left < kWordBits ? pixels & ((std::uint64_t{1} << left) - 1) : pixels;
 }

@@ -27,7 +27,7 @@ StructuringElement *new_disc() {
   std::uint8_t members[kDiscSide * kDiscSide] = {};
   for (std::int32_t row = 0; row < kDiscSide; ++row) {
     const std::int32_t reach = kDiscReach[row];
-    std::memset(members + row * kDiscSide + kDiscSide / 2 - reach, 1,
+    std::memset(members + std::ptrdiff_t{row} * kDiscSide + kDiscSide / 2 - reach, 1,
                 static_cast<std::size_t>(2 * reach + 1));
   }
   return structuring_element_new(members, kDiscSide, kDiscSide);
