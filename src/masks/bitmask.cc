@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdlib>
 #include <cstring>
 
 #include "masks/bitmask_kernels.h"
 #include "video/aligned_alloc.h"
+#include "video/plane_memory.h"
 
 namespace {
 
@@ -17,17 +17,9 @@ std::int32_t row_stride(std::int32_t width) {
   return (width + 127) / 128 * 16 + kRowPadding;
 }
 
-// What a threshold may read: up to the last sample in memory order, and behind it the stride
-// padding where alignment says that the plane has one.
 nox::masks::SamplePlane sample_plane(const BitMask &mask, const std::uint8_t *plane,
                                      std::int32_t stride) {
-  constexpr std::int32_t kGroup = nox::masks::kThresholdGroup;
-  const std::ptrdiff_t last = static_cast<std::ptrdiff_t>(stride) * (mask.height - 1);
-  const bool padded = reinterpret_cast<std::uintptr_t>(plane) % kGroup == 0 &&
-                      stride % kGroup == 0 &&
-                      std::abs(static_cast<std::int64_t>(stride)) >= mask.width;
-  const std::int32_t row = padded ? (mask.width + kGroup - 1) / kGroup * kGroup : mask.width;
-  return {plane, stride, std::max<std::ptrdiff_t>(last, 0) + row};
+  return {plane, stride, nox::video::plane_extent(stride, mask.width, mask.height).end};
 }
 
 // Masks of negative sizes have an empty block.

@@ -37,10 +37,8 @@ void bitmask_copy(BitMask *dst, const BitMask *src);
 //
 // The whole block of `dst` is overwritten: every bit is 0 but those below width rounded up to a
 // multiple of 16. Bits between the width and there come from the bytes that follow the row, as long
-// as these belong to the plane; where they do not, they are 0 and nothing is read. The plane's
-// memory ends behind the last sample in memory order, except that a plane whose address and stride
-// are both multiples of 16, with rows that do not overlap, owns the stride padding of all its rows,
-// the last one included.
+// as these belong to the plane; where they do not, they are 0 and nothing is read. What belongs to
+// a plane is said at NoxVideoFrame: the padding of all its rows, the last one included.
 void bitmask_threshold(BitMask *dst, const std::uint8_t *plane, std::int32_t plane_stride,
                        std::uint32_t threshold);
 void bitmask_threshold_below(BitMask *dst, const std::uint8_t *plane, std::int32_t plane_stride,

@@ -13,6 +13,9 @@ namespace nox::vectorizer {
 // The page: white.
 inline constexpr std::uint8_t kPageLuma = 255;
 inline constexpr std::uint8_t kPageChroma = 128;
+inline constexpr std::uint8_t page_value(int plane) {
+  return plane == 0 ? kPageLuma : kPageChroma;
+}
 
 // Opacity of the picture, of 64: where a bit is set, and elsewhere.
 inline constexpr std::uint8_t kAlphaEdge = 64;

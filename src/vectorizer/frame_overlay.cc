@@ -5,12 +5,12 @@
 #include <cstring>
 
 #include "vectorizer/frame_overlay_kernels.h"
-#include "vectorizer/plane_memory.h"
+#include "video/plane_memory.h"
 
 namespace {
 
-using nox::vectorizer::plane_sample;
-using nox::vectorizer::samples_in_plane;
+using nox::video::plane_sample;
+using nox::video::samples_in_plane;
 
 constexpr int kAlphaPlane = 3;
 

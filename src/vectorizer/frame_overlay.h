@@ -13,11 +13,10 @@
 // row. Only the planes of `dst` are written. The planes of `dst` and `src` do not overlap.
 //
 // A source that reaches beyond both the left and the right of `dst` is drawn over its whole width,
-// that of the source's columns beyond its width too; likewise downwards. That is deliberate. Where
-// such a sample, or its alpha, lies behind the last sample of the source's plane, nothing is drawn,
-// and nothing is drawn behind the last sample of a plane of `dst`. The alpha that an odd width
-// lacks for its last pair is read from behind the row, and is the pair's other alpha behind the
-// plane.
+// that of the source's columns beyond its width too; likewise downwards. That is deliberate. What a
+// plane owns is read and drawn, padding included; a sample that lies outside, or whose alpha does,
+// is left out, on either side. The alpha that an odd width lacks for its last pair is read from
+// behind the row, and is the pair's other alpha where the plane ends.
 void video_frame_overlay(const NoxVideoFrame *dst, const NoxVideoFrame *src, std::int32_t x,
                          std::int32_t y);
 

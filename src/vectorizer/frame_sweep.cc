@@ -1,17 +1,22 @@
 #include "vectorizer/frame_sweep.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 #include "vectorizer/drawing_kernels.h"
 #include "vectorizer/edge_kernels.h"
-#include "vectorizer/frame_overlay.h"
-#include "vectorizer/plane_memory.h"
+#include "vectorizer/picture_layer.h"
 #include "video/aligned_alloc.h"
+#include "video/plane_memory.h"
 
 namespace nox::vectorizer {
 
 namespace {
+
+using video::plane_extent;
+using video::plane_sample;
+using video::samples_in_plane;
 
 // Even, so that a chroma row belongs to one band. Sixteen rows of 1920 samples and their bits stay
 // in the first-level cache until they are drawn.
@@ -25,16 +30,11 @@ std::size_t guarded_words(std::int32_t rows, std::size_t words) {
   return static_cast<std::size_t>(rows) * (words + kGuardWords) + kGuardWords;
 }
 
-std::uint8_t page_value(int p) {
-  return p == 0 ? kPageLuma : kPageChroma;
-}
-
-// Fills row `y` of a plane with the page from sample `from` on, padding included: the padding of
-// the last row excepted, which may belong to somebody else.
+// Fills row `y` of a plane with the page from sample `from` on, padding included.
 void fill_row(const NoxVideoFrame &out, int p, std::int32_t y, std::int64_t from) {
   if (y >= out.plane_heights[p]) return;
-  const std::int64_t rest =
-      samples_in_plane(out, p, from, y, std::max<std::int64_t>(out.strides[p] - from, 0));
+  const std::int64_t length = std::abs(std::int64_t{out.strides[p]}) - from;
+  const std::int64_t rest = samples_in_plane(out, p, from, y, std::max<std::int64_t>(length, 0));
   if (rest > 0) {
     std::memset(plane_sample(out, p, from, y), page_value(p), static_cast<std::size_t>(rest));
   }
@@ -84,8 +84,8 @@ void FrameSweep::mark_edges(const NoxVideoFrame &in, std::int32_t first, std::in
   if (inner_first == inner_end) return;
   const std::ptrdiff_t stride = in.strides[0];
   const std::ptrdiff_t above = stride * (inner_first - 1);
-  const std::ptrdiff_t end_of_plane = stride * (height_ - 1) + width_;
-  find_edges(in.planes[0] + above, stride, width_, end_of_plane - above,
+  const std::ptrdiff_t readable = plane_extent(stride, width_, height_).end - above;
+  find_edges(in.planes[0] + above, stride, width_, readable,
              rows.slice(inner_first - first, inner_end - inner_first));
 }
 
@@ -113,30 +113,16 @@ void FrameSweep::draw_chroma_row(const NoxVideoFrame &in, const NoxVideoFrame &o
   const std::int64_t samples =
       std::min(samples_in_plane(out, p, 0, r, columns), samples_in_plane(in, p, 0, r, columns));
   if (samples > 0) {
-    std::uint8_t *to = plane_sample(out, p, 0, r);
-    const std::uint8_t *from = plane_sample(in, p, 0, r);
-    // Rows of a picture of odd width may be one sample short: the last sample of a row is then the
-    // first one of the next row as well. It is drawn for both, one after the other.
-    const bool shared = out.strides[p] < columns;
-    const std::uint8_t first = shared && r > 0 ? next_first_[p - 1] : *from;
-    const std::uint8_t drawn = *to;
-    if (samples_in_plane(in, p, 0, r + 1, 1) > 0)
-      next_first_[p - 1] = *plane_sample(in, p, 0, r + 1);
-    nox::vectorizer::draw_chroma_row(to, from, any_of_pair_, both_of_pair_,
+    nox::vectorizer::draw_chroma_row(plane_sample(out, p, 0, r), plane_sample(in, p, 0, r),
+                                     any_of_pair_, both_of_pair_,
                                      static_cast<std::size_t>(samples));
-    if (shared && r > 0) {
-      // No edge lasts in column 0, so of its pair only the second one can be set.
-      const std::uint8_t alpha[2] = {kAlphaWash,
-                                     (*any_of_pair_ & 1) != 0 ? kAlphaEdge : kAlphaWash};
-      *to = drawn;
-      blend_row_chroma(to, &first, alpha, 1);
-    }
   }
   fill_row(out, p, r, samples);
 }
 
-void FrameSweep::draw(const NoxVideoFrame &in, const NoxVideoFrame &out, MaskCounters &in_all,
-                      MaskCounters &in_any) {
+template <typename Draw>
+void FrameSweep::for_each_band(const NoxVideoFrame &in, MaskCounters &in_all, MaskCounters &in_any,
+                               Draw draw) {
   // edges_ is rows y - 2 to y + rows + 1 of the picture, for the band of rows from y on.
   const BitRows ahead = edges_.slice(2 * kClosingReach, kBandRows);
   mark_edges(in, -kClosingReach, kClosingReach, edges_);
@@ -147,13 +133,39 @@ void FrameSweep::draw(const NoxVideoFrame &in, const NoxVideoFrame &out, MaskCou
     close_edges(edges_, dilated_, lasting);
     in_all.step(y, lasting);
     in_any.step(y, lasting);
-    for (std::int32_t r = y; r < y + rows; ++r) draw_luma(in, out, r);
-    for (std::int32_t r = y / 2; r < (y + rows + 1) / 2; ++r) draw_chroma(in, out, r);
+    draw(y, lasting);
     std::memmove(edges_.data, edges_.row(rows),
                  2 * kClosingReach * edges_.pitch * sizeof(std::uint64_t));
   }
+}
+
+void FrameSweep::draw_rows(const NoxVideoFrame &in, const NoxVideoFrame &out, MaskCounters &in_all,
+                           MaskCounters &in_any) {
+  for_each_band(in, in_all, in_any, [&](std::int32_t y, const BitRows &lasting) {
+    const std::int32_t end = y + lasting.count;
+    for (std::int32_t r = y; r < end; ++r) draw_luma(in, out, r);
+    for (std::int32_t r = y / 2; r < (end + 1) / 2; ++r) draw_chroma(in, out, r);
+  });
   fill_below(out, 0, height_);
   for (int p : {1, 2}) fill_below(out, p, (height_ + 1) / 2);
+}
+
+void FrameSweep::draw_layer(const NoxVideoFrame &in, const NoxVideoFrame &out, MaskCounters &in_all,
+                            MaskCounters &in_any) {
+  PictureLayer layer(in);
+  for_each_band(in, in_all, in_any, [&layer](std::int32_t y, const BitRows &lasting) {
+    for (std::int32_t r = 0; r < lasting.count; ++r) layer.set_alpha(y + r, lasting.row(r));
+  });
+  layer.draw_onto(out);
+}
+
+void FrameSweep::draw(const NoxVideoFrame &in, const NoxVideoFrame &out, MaskCounters &in_all,
+                      MaskCounters &in_any) {
+  if (rows_are_apart(in, out)) {
+    draw_rows(in, out, in_all, in_any);
+  } else {
+    draw_layer(in, out, in_all, in_any);
+  }
 }
 
 }  // namespace nox::vectorizer

@@ -13,7 +13,8 @@ namespace nox::vectorizer {
 
 // Goes down a frame in bands of a few rows, each through all steps while it is in the nearest
 // cache: edges, closing, history, drawing. Edges run ahead of the drawing by the three rows that
-// they look at, so a frame can be drawn over itself.
+// they look at, so a frame can be drawn over itself. Where planes share memory, the picture is
+// copied first and drawn at the end.
 //
 // Keeps the rows of bits between two bands, some 20 KB at a width of 1920, and nothing from frame
 // to frame.
@@ -24,12 +25,21 @@ class FrameSweep {
   FrameSweep(const FrameSweep &) = delete;
   FrameSweep &operator=(const FrameSweep &) = delete;
 
-  // Draws `in`, of the size told to the constructor, into the planes of `out`, which may be `in`
-  // itself. `in_all` and `in_any` take this frame's step.
+  // Draws `in`, of the size told to the constructor, into the planes of `out`; the two may share
+  // memory in any way. `in_all` and `in_any` take this frame's step.
   void draw(const NoxVideoFrame &in, const NoxVideoFrame &out, MaskCounters &in_all,
             MaskCounters &in_any);
 
  private:
+  // Calls draw(y, lasting) for one band after the other: the rows from `y` on, and where the
+  // picture shows in them.
+  template <typename Draw>
+  void for_each_band(const NoxVideoFrame &in, MaskCounters &in_all, MaskCounters &in_any,
+                     Draw draw);
+  void draw_rows(const NoxVideoFrame &in, const NoxVideoFrame &out, MaskCounters &in_all,
+                 MaskCounters &in_any);
+  void draw_layer(const NoxVideoFrame &in, const NoxVideoFrame &out, MaskCounters &in_all,
+                  MaskCounters &in_any);
   void mark_edges(const NoxVideoFrame &in, std::int32_t first, std::int32_t end,
                   BitRows rows) const;
   void draw_luma(const NoxVideoFrame &in, const NoxVideoFrame &out, std::int32_t y) const;
@@ -44,7 +54,6 @@ class FrameSweep {
   BitRows lasting_;  // the band's closed edges, then what lasts of them
   std::uint64_t *any_of_pair_;
   std::uint64_t *both_of_pair_;
-  std::uint8_t next_first_[2] = {};
 };
 
 }  // namespace nox::vectorizer

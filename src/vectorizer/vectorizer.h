@@ -33,8 +33,9 @@ VectorizerState *vectorizer_new();
 // Releases the state; null is ignored.
 void vectorizer_free(VectorizerState *state);
 
-// Draws the next frame `in` of a video into the planes of `out`, which may be `in` itself: both
-// planar 4:2:0 and usually of one size. Always returns 1.
+// Draws the next frame `in` of a video into the planes of `out`: both planar 4:2:0 and usually of
+// one size. Always returns 1. The two may be one frame, and they and their planes may share memory
+// in any way: the drawing is that of `in` as it was before.
 //
 // A pixel whose closed edge was found in each of the last 100 frames, this one included, has its
 // luma unchanged in the next 500 drawings from this one on. All other luma is (255 * 48 + y * 16 +
@@ -43,9 +44,10 @@ void vectorizer_free(VectorizerState *state);
 // differs, start without history.
 //
 // Every chroma sample of (width + 1) / 2 columns and (height + 1) / 2 rows is drawn that both
-// planes hold. What is behind and below the picture in the planes of `out` becomes white, but for
-// what follows the last sample of a plane. An alpha plane is neither read nor written. A frame
-// without pixels does nothing.
+// planes own. What is behind and below the picture in the planes of `out` becomes white, padding
+// included; where that holds samples of another plane (U and V side by side), these are drawn as
+// that plane's. The samples of an alpha plane stay as they are. A frame without pixels does
+// nothing.
 std::int32_t vectorizer_process(VectorizerState *state, const NoxVideoFrame *in,
                                 const NoxVideoFrame *out);
 

@@ -28,6 +28,12 @@ inline constexpr std::uint32_t kNoxFormatCairo = 0xA05;  // packed, four bytes a
 // A plain value: copying it copies pointers, not pixels. Who owns the planes is said by whoever
 // fills the record: nox_video_frame_alloc gives it planes of its own, everyone else lets it point
 // into theirs.
+//
+// A plane owns strides[i] x plane_heights[i] bytes, the padding of its last row included. The cores
+// may read and write all of these bytes, padding too, and touch no other. Whoever has less memory
+// than that, such as a buffer that ends with its last sample, makes up for it before a core sees
+// the frame. Rows may run upwards (a negative stride; a row then owns as many bytes as its
+// magnitude), and a plane owns its samples also where a stride is less than a row of them.
 struct NoxVideoFrame {
   std::uint32_t format;
   std::int32_t width;   // of the picture, in pixels

@@ -1,17 +1,17 @@
 #include "vectorizer/frame_overlay_plain.h"
 
+#include <algorithm>
+#include <cstdlib>
+
 namespace nox::test {
 
 namespace {
 
-// Sample (x, y) of a plane, or null behind the last sample of its last row.
+// Sample (x, y) of a plane, or null outside of the bytes that the plane owns.
 std::uint8_t *sample(const NoxVideoFrame &frame, int p, std::int64_t x, std::int64_t y) {
   const std::int64_t offset = y * frame.strides[p] + x;
-  const std::int64_t end =
-      frame.plane_heights[p] == 0
-          ? 0
-          : std::int64_t{frame.strides[p]} * (frame.plane_heights[p] - 1) + frame.plane_widths[p];
-  return offset < end ? frame.planes[p] + offset : nullptr;
+  const PlainExtent extent = extent_plain(frame, p);
+  return offset >= extent.first && offset < extent.end ? frame.planes[p] + offset : nullptr;
 }
 
 // Alpha of the luma sample, or of the chroma sample whose pair begins at (x, y); -1 where there is
@@ -33,6 +33,14 @@ void draw_sample(const NoxVideoFrame &dst, const NoxVideoFrame &src, int p, std:
 }
 
 }  // namespace
+
+PlainExtent extent_plain(const NoxVideoFrame &frame, int p) {
+  if (frame.plane_heights[p] == 0) return {0, 0};
+  const std::int64_t stride = frame.strides[p], width = frame.plane_widths[p];
+  const std::int64_t last_row = stride * (frame.plane_heights[p] - 1);
+  return {std::min<std::int64_t>(0, last_row),
+          std::max<std::int64_t>(0, last_row) + std::max(std::abs(stride), width)};
+}
 
 std::uint8_t blend_plain(int dst, int src, int alpha) {
   const int blended = (dst * (64 - alpha) + src * alpha + 32) >> 6;

@@ -8,6 +8,12 @@
 
 namespace nox::test {
 
+// The bytes that a plane owns, from its first sample on: all of its rows with their padding.
+struct PlainExtent {
+  std::int64_t first, end;
+};
+PlainExtent extent_plain(const NoxVideoFrame &frame, int p);
+
 std::uint8_t blend_plain(int dst, int src, int alpha);
 
 void video_frame_overlay_plain(const NoxVideoFrame &dst, const NoxVideoFrame &src, std::int64_t x,

@@ -14,7 +14,7 @@ namespace nox::test {
 
 // How the planes of a frame lie in memory.
 struct PlaneLayout {
-  std::int32_t luma_padding = 0;    // bytes behind each row of luma and alpha but the last one
+  std::int32_t luma_padding = 0;    // bytes behind each row of luma and alpha
   std::int32_t chroma_padding = 0;  // likewise for chroma
   bool truncated = false;           // odd sizes have width / 2 chroma columns, not (width + 1) / 2
 };
@@ -59,9 +59,10 @@ class PlanarFrame {
 
  private:
   void add_plane(int p, std::int32_t width, std::int32_t height, std::int32_t padding) {
-    planes_.push_back(std::make_unique<GuardedPlane>(width, height, width + padding));
+    const std::int32_t stride = width + padding;
+    planes_.push_back(std::make_unique<GuardedPlane>(stride, height, stride));
     frame_.planes[p] = planes_.back()->data();
-    frame_.strides[p] = width + padding;
+    frame_.strides[p] = stride;
     frame_.plane_widths[p] = width;
     frame_.plane_heights[p] = height;
   }

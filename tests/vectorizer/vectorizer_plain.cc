@@ -15,26 +15,30 @@ using Plane = std::vector<std::uint8_t>;
 constexpr int kGx[3][3] = {{1, 0, -1}, {2, 0, -2}, {1, 0, -1}};
 constexpr int kGy[3][3] = {{1, 2, 1}, {0, 0, 0}, {-1, -2, -1}};
 
-std::size_t luma_size(const NoxVideoFrame &in) {
-  return static_cast<std::size_t>(in.strides[0]) * static_cast<std::size_t>(in.height);
+// Scratch planes have the luma's stride.
+std::size_t scratch_stride(const NoxVideoFrame &in) {
+  return static_cast<std::size_t>(std::max(std::abs(in.strides[0]), in.width));
 }
 
-std::size_t luma_at(const NoxVideoFrame &in, std::int32_t x, std::int32_t y) {
-  return static_cast<std::size_t>(y) * static_cast<std::size_t>(in.strides[0]) +
-         static_cast<std::size_t>(x);
+std::size_t scratch_size(const NoxVideoFrame &in) {
+  return scratch_stride(in) * static_cast<std::size_t>(in.height);
+}
+
+std::size_t scratch_at(const NoxVideoFrame &in, std::int32_t x, std::int32_t y) {
+  return static_cast<std::size_t>(y) * scratch_stride(in) + static_cast<std::size_t>(x);
 }
 
 Plane gradient(const NoxVideoFrame &in, const int (&kernel)[3][3]) {
-  Plane gradient(luma_size(in));
+  Plane gradient(scratch_size(in));
   for (std::int32_t y = 0; y < in.height - 3; ++y) {
     for (std::int32_t x = 0; x < in.width - 3; ++x) {
       std::int32_t sum = 0;
       for (int j = 0; j < 3; ++j) {
-        const std::uint8_t *row = in.planes[0] + luma_at(in, x, y + j);
+        const std::uint8_t *row = in.planes[0] + std::ptrdiff_t{y + j} * in.strides[0] + x;
         for (int i = 0; i < 3; ++i) sum += row[i] * kernel[j][i];
       }
       const auto value = static_cast<std::int16_t>(5 * sum);
-      gradient[luma_at(in, x + 1, y + 1)] =
+      gradient[scratch_at(in, x + 1, y + 1)] =
           static_cast<std::uint8_t>(std::min(std::abs(int{value}), 255));
     }
   }
@@ -43,22 +47,41 @@ Plane gradient(const NoxVideoFrame &in, const int (&kernel)[3][3]) {
 
 Plane magnitude(const NoxVideoFrame &in) {
   const Plane gx = gradient(in, kGx), gy = gradient(in, kGy);
-  Plane magnitude(luma_size(in));
+  Plane magnitude(scratch_size(in));
   for (std::int32_t y = 0; y < in.height; ++y) {
     for (std::int32_t x = 0; x < in.width; ++x) {
-      const int a = gx[luma_at(in, x, y)], b = gy[luma_at(in, x, y)];
+      const int a = gx[scratch_at(in, x, y)], b = gy[scratch_at(in, x, y)];
       const auto root = static_cast<int>(std::sqrt(static_cast<float>(a * a + b * b)));
-      magnitude[luma_at(in, x, y)] = static_cast<std::uint8_t>(std::min(root, 255));
+      magnitude[scratch_at(in, x, y)] = static_cast<std::uint8_t>(std::min(root, 255));
     }
   }
   return magnitude;
 }
 
-void fill_plane(const NoxVideoFrame &out, int p, std::uint8_t value) {
-  for (std::int32_t y = 0; y < out.plane_heights[p]; ++y) {
-    const bool last = y + 1 == out.plane_heights[p];
-    std::uint8_t *row = out.planes[p] + static_cast<std::ptrdiff_t>(y) * out.strides[p];
-    std::fill_n(row, last ? out.plane_widths[p] : out.strides[p], value);
+Plane copy_plane(const NoxVideoFrame &frame, int p) {
+  const PlainExtent extent = extent_plain(frame, p);
+  return {frame.planes[p] + extent.first, frame.planes[p] + extent.end};
+}
+
+template <typename Visit>
+void for_each_sample(const NoxVideoFrame &frame, int p, Visit visit) {
+  for (std::int32_t y = 0; y < frame.plane_heights[p]; ++y) {
+    for (std::int32_t x = 0; x < frame.plane_widths[p]; ++x) {
+      visit(frame.planes[p][std::ptrdiff_t{y} * frame.strides[p] + x]);
+    }
+  }
+}
+
+// All bytes of all planes, and then the samples once more, since a plane's padding may hold samples
+// of another one.
+void fill_with_page(const NoxVideoFrame &out) {
+  constexpr std::uint8_t kPage[3] = {255, 128, 128};
+  for (int p = 0; p < 3; ++p) {
+    const PlainExtent extent = extent_plain(out, p);
+    std::fill(out.planes[p] + extent.first, out.planes[p] + extent.end, kPage[p]);
+  }
+  for (int p = 0; p < 3; ++p) {
+    for_each_sample(out, p, [&](std::uint8_t &sample) { sample = kPage[p]; });
   }
 }
 
@@ -106,7 +129,7 @@ PlainMask edges_plain(const NoxVideoFrame &in) {
   PlainMask edges(in.width, in.height);
   for (std::int32_t y = 0; y < in.height; ++y) {
     for (std::int32_t x = 0; x < (in.width + 15) / 16 * 16; ++x) {
-      const std::size_t at = luma_at(in, x, y);
+      const std::size_t at = scratch_at(in, x, y);
       edges.set(x, y, at < strength.size() && strength[at] > 128);
     }
   }
@@ -149,29 +172,27 @@ void PlainVectorizer::process(const NoxVideoFrame &in, const NoxVideoFrame &out)
   local.n_planes = 4;
   Plane copies[4];
   for (int p = 0; p < 3; ++p) {
-    const std::int32_t rows = in.plane_heights[p];
-    const std::size_t size =
-        rows == 0 ? 0
-                  : static_cast<std::size_t>(in.strides[p]) * static_cast<std::size_t>(rows - 1) +
-                        static_cast<std::size_t>(in.plane_widths[p]);
-    copies[p].assign(in.planes[p], in.planes[p] + size);
-    local.planes[p] = copies[p].data();
+    copies[p] = copy_plane(in, p);
+    local.planes[p] = copies[p].data() - extent_plain(in, p).first;
   }
-  copies[3].assign(luma_size(in), 16);
+  copies[3].assign(scratch_size(in), 16);
   local.planes[3] = copies[3].data();
-  local.strides[3] = in.strides[0];
-  local.plane_widths[3] = in.strides[0];
+  local.strides[3] = static_cast<std::int32_t>(scratch_stride(in));
+  local.plane_widths[3] = local.strides[3];
   local.plane_heights[3] = in.height;
   for (std::int32_t y = 0; y < in.height; ++y) {
     for (std::int32_t x = 0; x < in.width; ++x) {
-      if (shown.get(x, y)) copies[3][luma_at(in, x, y)] = 64;
+      if (shown.get(x, y)) copies[3][scratch_at(in, x, y)] = 64;
     }
   }
 
-  fill_plane(out, 0, 255);
-  fill_plane(out, 1, 128);
-  fill_plane(out, 2, 128);
+  // An alpha plane keeps its samples.
+  Plane alpha;
+  for_each_sample(out, 3, [&](std::uint8_t sample) { alpha.push_back(sample); });
+  fill_with_page(out);
   video_frame_overlay_plain(out, local, 0, 0);
+  std::size_t next = 0;
+  for_each_sample(out, 3, [&](std::uint8_t &sample) { sample = alpha[next++]; });
 }
 
 }  // namespace nox::test
