@@ -32,9 +32,8 @@
 
 #include "navigation/nox_navigation.h"
 #include "noxvisuals/planar_pads.h"
+#include "noxvisuals/whole_frame.h"
 #include "pentracker/pen_tracker.h"
-#include "video/nox_video_frame.h"
-#include "video/nox_video_gst.h"
 
 struct NoxPenTracker {
   GstElement parent;
@@ -65,6 +64,8 @@ constexpr guint kNavigationObject = 1;
 
 using nox::noxvisuals::kPlanarCaps;
 using nox::noxvisuals::new_proxy_pad;
+using nox::noxvisuals::Touches;
+using nox::noxvisuals::WholeFrame;
 
 GstStaticPadTemplate sink_template =
     GST_STATIC_PAD_TEMPLATE("sink", GST_PAD_SINK, GST_PAD_ALWAYS, GST_STATIC_CAPS(kPlanarCaps));
@@ -141,16 +142,15 @@ void tell_navigation(NoxPenTracker *self, const Position &position) {
 }
 
 void track(NoxPenTracker *self, const GstVideoFrame *mapped) {
-  NoxVideoFrame frame;
-  nox_video_frame_from_gst_video_frame(&frame, mapped);
+  WholeFrame frame(*mapped, Touches::kSamples);
   Position position{};
-  if (pen_tracker_process(self->tracker, &frame, &frame, &position.x, &position.y,
+  if (pen_tracker_process(self->tracker, &frame.get(), &frame.get(), &position.x, &position.y,
                           &position.pressed) == 0) {
     return;
   }
   GST_DEBUG_OBJECT(self, "Got: %dx%d, Pressed: %s",
-                   static_cast<int>(position.x * static_cast<float>(frame.width)),
-                   static_cast<int>(position.y * static_cast<float>(frame.height)),
+                   static_cast<int>(position.x * static_cast<float>(frame.get().width)),
+                   static_cast<int>(position.y * static_cast<float>(frame.get().height)),
                    position.pressed != 0 ? "Yes" : "No");
   push_event(self, position);
   tell_navigation(self, position);

@@ -16,9 +16,9 @@
 #include <gst/video/gstvideofilter.h>
 #include <gst/video/video.h>
 
-#include <cstdint>
 #include <utility>
 
+#include "noxvisuals/whole_frame.h"
 #include "qr/decoder.h"
 
 struct NoxQRDec {
@@ -37,6 +37,9 @@ G_DEFINE_TYPE(NoxQRDec, nox_qr_dec, GST_TYPE_VIDEO_FILTER)
 
 namespace {
 
+using nox::noxvisuals::Touches;
+using nox::noxvisuals::WholeFrame;
+
 constexpr const char *kCaps =
     "video/x-raw, format = (string) I420, width = (int) [ 1, max ], height = (int) [ 1, max ], "
     "framerate = (fraction) [ 0, max ]";
@@ -50,16 +53,15 @@ NoxQRDec *nox_qr_dec_cast(gpointer object) {
   return G_TYPE_CHECK_INSTANCE_CAST(object, nox_qr_dec_get_type(), NoxQRDec);
 }
 
-nox::qr::Luma luma_of(const GstVideoFrame *frame) {
-  return {static_cast<const std::uint8_t *>(GST_VIDEO_FRAME_PLANE_DATA(frame, 0)),
-          GST_VIDEO_FRAME_COMP_STRIDE(frame, 0), GST_VIDEO_FRAME_WIDTH(frame),
-          GST_VIDEO_FRAME_HEIGHT(frame)};
+nox::qr::Luma luma_of(const NoxVideoFrame &frame) {
+  return {frame.planes[0], frame.strides[0], frame.width, frame.height};
 }
 
-GstFlowReturn nox_qr_dec_transform_frame_ip(GstVideoFilter *filter, GstVideoFrame *frame) {
+GstFlowReturn nox_qr_dec_transform_frame_ip(GstVideoFilter *filter, GstVideoFrame *mapped) {
   NoxQRDec *self = nox_qr_dec_cast(filter);
+  WholeFrame frame(*mapped, Touches::kSamples);
   // A frame for which there is no memory passes unread, and the stream goes on.
-  if (!self->decoder->decode(luma_of(frame))) return GST_FLOW_OK;
+  if (!self->decoder->decode(luma_of(frame.get()))) return GST_FLOW_OK;
   // A code that is found but cannot be read is skipped without a word. The text ends at the
   // payload's first NUL.
   for (const nox::qr::Code &code : self->decoder->codes()) {

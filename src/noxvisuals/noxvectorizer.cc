@@ -3,7 +3,7 @@
  * @title: noxvectorizer
  *
  * Replaces each I420 or A420 frame by a drawing of itself: the picture washed out towards white,
- * but for edges that have stood still for 100 frames, which are held at full strength for 500
+ * but for edges that have stood still for 100 frames, which are held at full strength for 499
  * frames more. For every buffer that comes in a deep copy goes out; the one that came in is never
  * written, and an alpha plane is passed on as it is. A change of the size starts anew.
  *
@@ -17,9 +17,8 @@
 #include <gst/video/video.h>
 
 #include "noxvisuals/planar_pads.h"
+#include "noxvisuals/whole_frame.h"
 #include "vectorizer/vectorizer.h"
-#include "video/nox_video_frame.h"
-#include "video/nox_video_gst.h"
 
 struct NoxVectorizer {
   GstElement parent;
@@ -42,6 +41,8 @@ namespace {
 
 using nox::noxvisuals::kPlanarCaps;
 using nox::noxvisuals::new_proxy_pad;
+using nox::noxvisuals::Touches;
+using nox::noxvisuals::WholeFrame;
 
 GstStaticPadTemplate sink_template =
     GST_STATIC_PAD_TEMPLATE("sink", GST_PAD_SINK, GST_PAD_ALWAYS, GST_STATIC_CAPS(kPlanarCaps));
@@ -84,9 +85,9 @@ GstFlowReturn nox_vectorizer_chain(GstPad * /*pad*/, GstObject *parent, GstBuffe
   constexpr auto kReadWrite = static_cast<GstMapFlags>(GST_MAP_READ | GST_MAP_WRITE);
   const gboolean ret = gst_video_frame_map(&mapped, &self->info, out, kReadWrite);
   g_assert(ret);
-  NoxVideoFrame frame;
-  nox_video_frame_from_gst_video_frame(&frame, &mapped);
-  vectorizer_process(self->state, &frame, &frame);
+  WholeFrame frame(mapped, Touches::kPlanes);
+  vectorizer_process(self->state, &frame.get(), &frame.get());
+  frame.write_back();
   gst_video_frame_unmap(&mapped);
   return gst_pad_push(self->srcpad, out);
 }

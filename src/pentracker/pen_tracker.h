@@ -40,7 +40,8 @@ PenTracker *pen_tracker_new();
 void pen_tracker_free(PenTracker *tracker);
 
 // Looks at the next picture of the stream, planar 4:2:0 of any size and with any strides; an alpha
-// plane is not looked at. Returns nonzero when it shows the pen, and then sets
+// plane is not looked at, and nothing but samples is read, no padding. Returns nonzero when it
+// shows the pen, and then sets
 //   x        (447 - centre x) / 448 of the pen at work size: 0 at the right edge of the picture,
 //            mirrored as for somebody who faces the camera;
 //   y        centre y / 252: 0 at the top;

@@ -15,6 +15,7 @@
 #include "support/harness.h"
 #include "support/log_capture.h"
 #include "support/pipeline.h"
+#include "support/short_buffers.h"
 #include "support/video_buffer.h"
 
 namespace nox::test {
@@ -184,6 +185,30 @@ TEST(NoxPenTracker, ReadsPaddedStrides) {
     EXPECT_EQ(padded.output().events[0].x, plain.output().events[0].x);
     EXPECT_EQ(padded.output().events[0].y, plain.output().events[0].y);
   }
+}
+
+TEST(NoxPenTracker, ReadsBuffersWhoseMemoryEndsEarly) {
+  for (const GstVideoFormat format : {GST_VIDEO_FORMAT_I420, GST_VIDEO_FORMAT_A420}) {
+    Tracker plain(format);
+    const BufferPtr whole(plain.new_picture(Pen{0.4, 0.3, false}));
+    plain.push(gst_buffer_ref(whole.get()));
+    for (const ShortBuffer &buffer : short_buffers(whole.get(), plain.info())) {
+      SCOPED_TRACE(buffer.layout);
+      Tracker tracker(format);
+      gst_harness_push(tracker.harness(), gst_buffer_ref(buffer.buffer.get()));
+      ASSERT_EQ(tracker.output().events.size(), 1U);
+      EXPECT_EQ(tracker.output().events[0].x, plain.output().events[0].x);
+      EXPECT_EQ(tracker.output().events[0].y, plain.output().events[0].y);
+      EXPECT_EQ(tracker.output().buffers, std::vector{buffer.buffer.get()});
+    }
+  }
+}
+
+TEST(NoxPenTracker, PassesABufferWithADividedPlane) {
+  Tracker tracker;
+  BufferPtr buffer = buffer_with_a_divided_plane(tracker.info());
+  EXPECT_EQ(gst_harness_push(tracker.harness(), buffer.release()), GST_FLOW_OK);
+  EXPECT_EQ(tracker.output().order, std::vector<std::string>{"buffer"});
 }
 
 TEST(NoxPenTracker, PassesTheSameBufferOn) {

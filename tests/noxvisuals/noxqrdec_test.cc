@@ -18,6 +18,7 @@
 #include "support/qr_picture.h"
 #include "support/quick.h"
 #include "support/random.h"
+#include "support/short_buffers.h"
 #include "support/video_buffer.h"
 
 namespace nox::test {
@@ -219,6 +220,27 @@ TEST(NoxQrDec, ReadsRowsWithPadding) {
     dec.push_picture(QrPicture(320, 240, {"padded"}), padding);
     EXPECT_EQ(log.messages(), Messages{"Got QR Payload: padded"});
   }
+}
+
+TEST(NoxQrDec, ReadsBuffersWhoseMemoryEndsEarly) {
+  const GstVideoInfo info = video_info(GST_VIDEO_FORMAT_I420, 320, 240);
+  const BufferPtr whole(new_video_buffer(info));
+  write_picture(whole.get(), info, QrPicture(320, 240, {"short"}).frame());
+  for (const ShortBuffer &buffer : short_buffers(whole.get(), info)) {
+    SCOPED_TRACE(buffer.layout);
+    const LogCapture log(kCategory, GST_LEVEL_INFO);
+    QrDec dec;
+    dec.set_size(320, 240);
+    const BufferPtr out = dec.push(gst_buffer_ref(buffer.buffer.get()));
+    EXPECT_EQ(log.messages(), Messages{"Got QR Payload: short"});
+    EXPECT_EQ(visible_samples(out.get(), info), visible_samples(whole.get(), info));
+  }
+}
+
+TEST(NoxQrDec, PassesABufferWithADividedPlane) {
+  QrDec dec;
+  dec.set_size(320, 240);
+  EXPECT_NE(dec.push(buffer_with_a_divided_plane(dec.info()).release()), nullptr);
 }
 
 TEST(NoxQrDec, FollowsSizeChangesInMidStream) {

@@ -13,6 +13,7 @@
 #include "support/log_capture.h"
 #include "support/pipeline.h"
 #include "support/random.h"
+#include "support/short_buffers.h"
 #include "support/video_buffer.h"
 #include "vectorizer/vectorizer.h"
 
@@ -46,6 +47,24 @@ class Core {
  private:
   VectorizerState *state_;
 };
+
+// The memory of a buffer after the core has drawn its picture, with room behind its end.
+Samples drawn_in_long_memory(GstBuffer *buffer, const GstVideoInfo &info) {
+  GstVideoFrame mapped;
+  gst_video_frame_map(&mapped, &info, buffer, GST_MAP_READ);
+  NoxVideoFrame frame;
+  nox_video_frame_from_gst_video_frame(&frame, &mapped);
+  Samples memory(mapped.map[0].data, mapped.map[0].data + mapped.map[0].size);
+  memory.resize(memory.size() + 1000);
+  for (int p = 0; p < frame.n_planes; ++p) {
+    frame.planes[p] = memory.data() + (frame.planes[p] - mapped.map[0].data);
+  }
+  gst_video_frame_unmap(&mapped);
+  VectorizerState *state = vectorizer_new();
+  vectorizer_process(state, &frame, &frame);
+  vectorizer_free(state);
+  return memory;
+}
 
 // The element between two test pads, with the core beside it.
 class Vectorizer {
@@ -116,6 +135,54 @@ TEST(NoxVectorizer, DrawsPaddedPictures) {
     Vectorizer vectorizer;
     vectorizer.expect_drawings_of_the_core(105, padding);
   }
+}
+
+TEST(NoxVectorizer, DrawsTheSameSamplesWhereMemoryEndsEarly) {
+  for (const GstVideoFormat format : {GST_VIDEO_FORMAT_I420, GST_VIDEO_FORMAT_A420}) {
+    Vectorizer source(format);
+    source.set_size(37, 22);
+    const BufferPtr picture(source.new_picture());
+    for (const ShortBuffer &buffer : short_buffers(picture.get(), source.info())) {
+      SCOPED_TRACE(buffer.layout);
+      Vectorizer whole(format), cut(format);
+      whole.set_size(37, 22);
+      cut.set_size(37, 22);
+      for (int i = 1; i <= 102; ++i) {
+        const BufferPtr expected = whole.push(gst_buffer_ref(picture.get()));
+        const BufferPtr out = cut.push(gst_buffer_ref(buffer.buffer.get()));
+        ASSERT_EQ(visible_samples(out.get(), cut.info()),
+                  visible_samples(expected.get(), whole.info()))
+            << "frame " << i;
+      }
+    }
+  }
+}
+
+// As far as the memory reaches, each of its bytes is as if it went on.
+TEST(NoxVectorizer, FillsThePaddingThatAShortMemoryHas) {
+  Vectorizer vectorizer;
+  const BufferPtr picture(vectorizer.new_picture());
+  for (const ShortBuffer &buffer : short_buffers(picture.get(), vectorizer.info())) {
+    if (gst_buffer_n_memory(buffer.buffer.get()) > 1) continue;
+    SCOPED_TRACE(buffer.layout);
+    Samples expected = drawn_in_long_memory(buffer.buffer.get(), vectorizer.info());
+    Vectorizer fresh;
+    const BufferPtr out = fresh.push(gst_buffer_ref(buffer.buffer.get()));
+    expected.resize(gst_buffer_get_size(out.get()));
+    Samples drawn(expected.size());
+    gst_buffer_extract(out.get(), 0, drawn.data(), drawn.size());
+    EXPECT_EQ(drawn, expected);
+  }
+}
+
+TEST(NoxVectorizer, PushesABufferWithADividedPlane) {
+  Vectorizer vectorizer;
+  const BufferPtr out = vectorizer.push(buffer_with_a_divided_plane(vectorizer.info()).release());
+  ASSERT_NE(out, nullptr);
+  // 0x5A in what its memory holds of the first plane.
+  std::uint8_t luma = 0;
+  gst_buffer_extract(out.get(), 0, &luma, 1);
+  EXPECT_EQ(luma, (255 * 48 + 0x5A * 16 + 32) >> 6);
 }
 
 // GStreamer rounds strides up to four: chroma strides are then not half the luma's.
