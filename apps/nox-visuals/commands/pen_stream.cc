@@ -5,6 +5,7 @@
 #include "nox-visuals/errors.h"
 #include "nox-visuals/outputs/preview.h"
 #include "nox-visuals/stream/delivery.h"
+#include "nox-visuals/stream/module.h"
 #include "nox-visuals/stream/pen_observer.h"
 #include "nox-visuals/stream/stream.h"
 #include "nox-visuals/stream/swapped_chroma.h"
@@ -42,6 +43,7 @@ void prepare(GstElement *pipeline, bool swap_colours, PenObserver *observer, Pre
 }  // namespace
 
 int follow_pen(PenStream pen_stream) {
+  demand_module();
   Counts counts;
   ObservationQueue queue(kDeliveryCapacity);
   PenObserver observer(&counts, [&queue](Observation it) { queue.push(std::move(it)); });

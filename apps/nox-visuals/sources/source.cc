@@ -27,20 +27,30 @@ Source parse_path(const std::string &path) {
   return {camera ? SourceKind::kCamera : SourceKind::kFile, path, 0};
 }
 
+// Descriptions may end with the caps of raw video, which an element has to follow.
+constexpr const char *kEnd = "nox-visuals-end";
+
+bool brings_video(GstPad *pad) {
+  const GstPointer<GstCaps> brought(gst_pad_query_caps(pad, nullptr));
+  const GstPointer<GstCaps> raw(gst_caps_new_empty_simple("video/x-raw"));
+  return gst_caps_can_intersect(brought.get(), raw.get()) != FALSE;
+}
+
 GstElement *make_described_bin(const std::string &description) {
   GError *error = nullptr;
-  GstElement *bin = gst_parse_bin_from_description(description.c_str(), FALSE, &error);
-  if (error != nullptr) {
-    if (bin != nullptr) gst_object_unref(bin);
-    throw StreamError("gst:" + description + ": " + take_error(error));
+  GstElement *parsed = gst_parse_bin_from_description_full(
+      (description + " ! identity silent=true name=" + kEnd).c_str(), FALSE, nullptr,
+      GST_PARSE_FLAG_FATAL_ERRORS, &error);
+  if (parsed == nullptr) throw StreamError("gst:" + description + ": " + take_error(error));
+  GstPointer<GstElement> bin(GST_ELEMENT(gst_object_ref_sink(parsed)));
+  const GstPointer<GstElement> end(gst_bin_get_by_name(GST_BIN(parsed), kEnd));
+  const GstPointer<GstPad> src(gst_element_get_static_pad(end.get(), "src"));
+  if (!brings_video(src.get())) {
+    throw StreamError("gst:" + description + ": brings no raw video");
   }
-  const GstPointer<GstPad> open(gst_bin_find_unlinked_pad(GST_BIN(bin), GST_PAD_SRC));
-  if (open == nullptr) {
-    gst_object_unref(bin);
-    throw StreamError("gst:" + description + ": has no open end for raw video to leave by");
-  }
-  gst_element_add_pad(bin, gst_ghost_pad_new("src", open.get()));
-  return bin;
+  gst_element_add_pad(parsed, gst_ghost_pad_new("src", src.get()));
+  g_object_force_floating(G_OBJECT(parsed));
+  return bin.release();
 }
 
 }  // namespace

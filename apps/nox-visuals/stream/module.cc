@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "nox-visuals/config.h"
+#include "nox-visuals/errors.h"
 #include "nox-visuals/gst_pointers.h"
 
 namespace nox::app {
@@ -29,6 +30,13 @@ void find_module() {
     if (plugin != nullptr) gst_object_unref(plugin);
     if (elements_known()) return;
   }
+}
+
+void demand_module() {
+  if (elements_known()) return;
+  throw StreamError(
+      "GStreamer does not find the module noxvisuals_sse; is its folder named in GST_PLUGIN_PATH? "
+      "nox-visuals doctor tells more");
 }
 
 }  // namespace nox::app

@@ -8,6 +8,9 @@ namespace nox::app {
 // or installed with this program is loaded. Whether they are known is for who uses them to see.
 void find_module();
 
+// Throws StreamError, with what can be done, when they are not known.
+void demand_module();
+
 }  // namespace nox::app
 
 #endif  // NOX_VISUALS_STREAM_MODULE_H_

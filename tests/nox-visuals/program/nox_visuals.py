@@ -1,0 +1,60 @@
+"""Runs nox-visuals and reads what it writes: each line is checked against the schema."""
+import json
+import os
+import subprocess
+
+import jsonschema
+
+PROGRAM = os.environ["NOX_VISUALS"]
+NOXSCENE = os.environ["NOXSCENE"]
+# The machine may be busy, and a checker slow; only something that hangs takes so long.
+PATIENCE = 120
+
+with open(os.environ["OUTPUT_SCHEMA"], encoding="utf-8") as _file:
+    _schema = json.load(_file)
+jsonschema.Draft202012Validator.check_schema(_schema)
+_validator = jsonschema.Draft202012Validator(_schema)
+
+
+def parse(text):
+    """The objects of whole lines, all of which must be as the schema says."""
+    assert text == "" or text.endswith("\n"), f"the last line is not whole: {text[-200:]!r}"
+    objects = [json.loads(line) for line in text.splitlines()]
+    for it in objects:
+        _validator.validate(it)
+    return objects
+
+
+def start(*arguments, **options):
+    """The running program, its standard output and error in pipes unless `options` say otherwise."""
+    options = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, "text": True, **options}
+    return subprocess.Popen([PROGRAM, *arguments], **options)
+
+
+def run(*arguments, status=0, **options):
+    """Its lines and what it said, once it has ended with this status."""
+    process = start(*arguments, **options)
+    try:
+        out, said = process.communicate(timeout=PATIENCE)
+    finally:
+        process.kill()
+    assert process.returncode == status, f"status {process.returncode}, not {status}: {said}"
+    return parse(out or ""), said
+
+
+def of_type(objects, kind):
+    return [it for it in objects if it["type"] == kind]
+
+
+def make_video(path, scene="pen", frames=60, encode="vp8enc deadline=1 ! webmmux", layout="i420"):
+    """Writes a scene of the generator's, 640 by 360 and 30 frames a second, by the distribution's encoder.
+
+    `layout` is how the encoder takes the scene's planes, whatever they hold.
+    """
+    launch = (f"fdsrc fd=0 ! rawvideoparse width=640 height=360 framerate=30/1 format={layout} ! "
+              f"{encode} ! filesink location={path}")
+    command = [NOXSCENE, "--size", "640x360", "--frames", str(frames), *scene.split()]
+    with subprocess.Popen(command, stdout=subprocess.PIPE) as raw:
+        subprocess.run(["gst-launch-1.0", "-q", *launch.split()], stdin=raw.stdout, check=True)
+    assert raw.returncode == 0
+    return path

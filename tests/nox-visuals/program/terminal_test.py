@@ -1,0 +1,88 @@
+"""Signals, and what a terminal sees."""
+import os
+import pty
+import signal
+import subprocess
+import time
+import unittest
+
+import nox_visuals as nox
+
+
+def read_terminal(master):
+    seen = b""
+    while True:
+        try:
+            part = os.read(master, 4096)
+        except OSError:  # the other end is closed
+            return seen.decode()
+        if not part:
+            return seen.decode()
+        seen += part
+
+
+def run_in_terminal(*arguments):
+    """What the program writes to a terminal that is its standard error."""
+    master, slave = pty.openpty()
+    process = nox.start(*arguments, stderr=slave, stdout=subprocess.DEVNULL)
+    os.close(slave)
+    try:
+        return read_terminal(master)
+    finally:
+        process.kill()
+        process.wait()
+        os.close(master)
+
+
+class Terminal(unittest.TestCase):
+    def test_a_live_stream_is_counted(self):
+        seen = run_in_terminal("track", "test:pen", "--frames", "45")
+        self.assertRegex(seen, r"\d+ frames, \d+ frames/s")
+        self.assertNotIn("%", seen)
+        self.assertTrue(seen.endswith("\r\x1b[K"), repr(seen[-80:]))
+
+    def test_a_file_has_a_bar(self):
+        seen = run_in_terminal("track", self.long_clip())
+        self.assertRegex(seen, r"\[#*\.*\] +\d+ %, \d+ frames/s")
+
+    def long_clip(self):
+        folder = os.path.join("/tmp", f"nox-terminal-{os.getpid()}")
+        os.makedirs(folder, exist_ok=True)
+        self.addCleanup(subprocess.run, ["rm", "-r", folder])
+        return nox.make_video(os.path.join(folder, "clip.webm"), frames=600)
+
+    def test_sentences_stand_alone(self):
+        seen = run_in_terminal("track", "/nowhere")
+        self.assertEqual(seen, "nox-visuals: /nowhere: there is no such file or device\r\n")
+
+
+class Signals(unittest.TestCase):
+    def stop(self, which):
+        process = nox.start("track", "test:pen")
+        self.addCleanup(process.kill)
+        process.stdout.readline()
+        process.send_signal(which)
+        started = time.monotonic()
+        out, said = process.communicate(timeout=nox.PATIENCE)
+        self.assertLess(time.monotonic() - started, 30)
+        self.assertEqual(said, "")
+        self.assertEqual(nox.parse(out)[-1]["type"], "end")
+        return process.returncode
+
+    def test_an_interrupt_ends_by_the_signal(self):
+        self.assertEqual(self.stop(signal.SIGINT), -signal.SIGINT)
+
+    def test_a_request_to_end_is_fulfilled(self):
+        self.assertEqual(self.stop(signal.SIGTERM), 0)
+
+    def test_a_reader_that_stopped_holds_nobody_up(self):
+        """The pipe is full long before; the program ends all the same."""
+        process = nox.start("track", "gst:videotestsrc is-live=true ! video/x-raw,format=I420,width=64,height=64")
+        self.addCleanup(process.kill)
+        time.sleep(1)
+        process.send_signal(signal.SIGTERM)
+        self.assertEqual(process.wait(timeout=nox.PATIENCE), 0)
+
+
+if __name__ == "__main__":
+    unittest.main()
