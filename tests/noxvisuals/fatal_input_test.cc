@@ -170,16 +170,16 @@ TEST_P(AbortingElement, AFrameAheadOfAnyCapsDeathTest) {
 INSTANTIATE_TEST_SUITE_P(Elements, AbortingElement,
                          testing::Values("noxpentracker", "noxvectorizer"), element_name);
 
-// GStreamer's base class asks before the element is asked.
-TEST(NoxQrDecOnBadInput, SaysSoAndGoesOn) {
+// GStreamer's base class maps the buffer ahead of the element: what cannot be mapped passes unread.
+TEST(NoxQrDecOnBadInput, WarnsAndPassesItOn) {
   for (const BadBuffer &bad : kBadBuffers) {
     SCOPED_TRACE(bad.what);
     const CriticalWarningsPass pass;
     LoneElement element("noxqrdec");
-    const GstFlowReturn flow = element.line().push(bad.make());
-    EXPECT_TRUE(flow == GST_FLOW_ERROR || element.line().received() == 1) << flow;
-    EXPECT_TRUE(element.said(static_cast<GstMessageType>(GST_MESSAGE_WARNING | GST_MESSAGE_ERROR)));
+    EXPECT_EQ(element.line().push(bad.make()), GST_FLOW_OK);
+    EXPECT_TRUE(element.said(GST_MESSAGE_WARNING));
     EXPECT_EQ(element.line().push(new_small_frame()), GST_FLOW_OK);
+    EXPECT_EQ(element.line().received(), 2);
   }
 }
 
