@@ -190,6 +190,18 @@ TEST(NoxQrDecOnBadInput, TakesNoCapsThatCannotBeRead) {
   EXPECT_EQ(element.line().received(), 0);
 }
 
+TEST(NoxQrDecOnBadInput, TakesNoFrameAheadOfAnyCaps) {
+  const ObjectPtr<GstElement> element = new_element("noxqrdec");
+  gst_element_set_state(element.get(), GST_STATE_PLAYING);
+  const ObjectPtr<GstPad> sink(gst_element_get_static_pad(element.get(), "sink"));
+  gst_pad_send_event(sink.get(), gst_event_new_stream_start("no-caps"));
+  GstSegment segment;
+  gst_segment_init(&segment, GST_FORMAT_TIME);
+  gst_pad_send_event(sink.get(), gst_event_new_segment(&segment));
+  EXPECT_EQ(gst_pad_chain(sink.get(), new_small_frame()), GST_FLOW_NOT_NEGOTIATED);
+  gst_element_set_state(element.get(), GST_STATE_NULL);
+}
+
 using GuardedElement = ForEachElement;
 
 TEST_P(GuardedElement, NeverSeesABadBuffer) {

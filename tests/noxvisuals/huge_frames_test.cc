@@ -94,15 +94,17 @@ TEST_F(HugeFrames, NoxPenTrackerWithItsRingFull) {
   std::vector<BufferPtr> frames;
   for (std::uint64_t seed : {1, 2, 3}) frames.emplace_back(new_noise(info_, seed));
   push("noxpentracker", 30, frames);
-  EXPECT_LT(held_, 200);
+  EXPECT_LT(held_, 50);
 }
 
+// A copy of the frame, which is shared here, and six bytes for each pixel: the decoder has its own
+// picture in two forms, of one and two bytes, and makes them anew beside the old for every frame.
 TEST_F(HugeFrames, NoxQrDecReadsACode) {
   const QrPicture picture(420, 420, {"in a corner"});
   std::vector<BufferPtr> frames;
   frames.emplace_back(gst_buffer_new_allocate(nullptr, info_.size, nullptr));
-  // Dark around the code: the decoder's threshold is computed in 32 bits, which a bright picture of
-  // this size exceeds.
+  // Dark around the code: the decoder adds up all samples in 32 bits, too few for a bright picture
+  // of this size.
   gst_buffer_memset(frames[0].get(), 0, 16, info_.size);
   GstMapInfo map;
   gst_buffer_map(frames[0].get(), &map, GST_MAP_WRITE);
@@ -116,14 +118,14 @@ TEST_F(HugeFrames, NoxQrDecReadsACode) {
   const LogCapture log("noxqrdec", GST_LEVEL_INFO);
   push("noxqrdec", 3, frames);
   EXPECT_EQ(log.messages(), std::vector<std::string>(3, "Got QR Payload: in a corner"));
-  EXPECT_LT(held_, 200);
+  EXPECT_LT(held_, 600);
 }
 
 TEST_F(HugeFrames, NoxQrDecOnNoise) {
   std::vector<BufferPtr> frames;
   for (std::uint64_t seed : {1, 2}) frames.emplace_back(new_noise(info_, seed));
   push("noxqrdec", 4, frames);
-  EXPECT_LT(held_, 200);
+  EXPECT_LT(held_, 600);
 }
 
 }  // namespace
