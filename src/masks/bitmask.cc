@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <limits>
 
 #include "masks/bitmask_kernels.h"
 #include "video/aligned_alloc.h"
@@ -13,7 +14,7 @@ namespace {
 constexpr std::int32_t kRowPadding = 19;
 constexpr std::int32_t kFrontPadding = 4;
 
-std::int32_t row_stride(std::int32_t width) {
+std::int64_t row_stride(std::int64_t width) {
   return (width + 127) / 128 * 16 + kRowPadding;
 }
 
@@ -22,9 +23,8 @@ nox::masks::SamplePlane sample_plane(const BitMask &mask, const std::uint8_t *pl
   return {plane, stride, nox::video::plane_extent(stride, mask.width, mask.height).end};
 }
 
-// Masks of negative sizes have an empty block.
 std::size_t block_bytes(const BitMask &mask) {
-  return static_cast<std::size_t>(std::max(mask.size, 0));
+  return static_cast<std::size_t>(mask.size);
 }
 
 void clear(BitMask *mask) {
@@ -34,11 +34,14 @@ void clear(BitMask *mask) {
 }  // namespace
 
 BitMask *bitmask_new(std::int32_t width, std::int32_t height) {
+  const std::int64_t stride = row_stride(width);
+  const std::int64_t size = height * stride;
+  if (size > std::numeric_limits<std::int32_t>::max()) return nullptr;
   auto *mask = static_cast<BitMask *>(nox_aligned_alloc(kNoxAlignment, sizeof(BitMask)));
   mask->width = width;
   mask->height = height;
-  mask->stride = row_stride(width);
-  mask->size = height * mask->stride;
+  mask->stride = static_cast<std::int32_t>(stride);
+  mask->size = static_cast<std::int32_t>(std::max<std::int64_t>(size, 0));
   mask->block = static_cast<std::uint8_t *>(nox_aligned_alloc(kNoxAlignment, block_bytes(*mask)));
   mask->data = mask->block + kFrontPadding;
   clear(mask);

@@ -21,7 +21,8 @@ struct BitMask {
   std::int32_t stride;  // bytes from one row to the next
 };
 
-// Returns a cleared mask; release it with bitmask_free.
+// Returns a cleared mask; release it with bitmask_free. Null when its block would be larger than
+// `size` can tell, 2^31 - 1 bytes. A size below 0 gives an empty block.
 BitMask *bitmask_new(std::int32_t width, std::int32_t height);
 
 // Releases the mask; null is ignored.

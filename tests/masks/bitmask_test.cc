@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <string>
 #include <utility>
 #include <vector>
@@ -49,6 +50,19 @@ TEST(BitMaskTest, SizesBelowOneHoldNoPixels) {
     bitmask_or(mask.get(), mask.get(), mask.get());
     for (int i = 0; i < mask->size; ++i) EXPECT_EQ(mask->block[i], 0) << width << "x" << height;
   }
+}
+
+TEST(BitMaskTest, ThereIsNoMaskBeyondTheLimitOfItsSize) {
+  constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+  // 35 bytes a row: the first height whose block has more than 2^31 - 1.
+  EXPECT_EQ(bitmask_new(1, 61356676), nullptr);
+  EXPECT_EQ(bitmask_new(kMost, 8), nullptr);
+  EXPECT_EQ(bitmask_new(kMost, kMost), nullptr);
+  // The longest row.
+  const MaskPtr longest = make_mask(kMost, 1);
+  ASSERT_NE(longest, nullptr);
+  EXPECT_EQ(longest->stride, (1 << 28) + 19);
+  EXPECT_EQ(longest->size, longest->stride);
 }
 
 TEST(BitMaskTest, FreeOfNullDoesNothing) {
