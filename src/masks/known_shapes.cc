@@ -1,5 +1,6 @@
 #include "masks/known_shapes.h"
 
+#include <bit>
 #include <cstddef>
 #include <cstring>
 
@@ -18,8 +19,11 @@ constexpr KnownShape kKnownShapes[] = {
 }  // namespace
 
 std::uint32_t row_pattern(const StructuringElement &element, std::int32_t row) {
+  static_assert(kElementRowBytes >= sizeof(std::uint32_t) &&
+                std::endian::native == std::endian::little);
   std::uint32_t pattern;
-  std::memcpy(&pattern, element.rows + static_cast<std::ptrdiff_t>(row) * kElementRowBytes, 4);
+  std::memcpy(&pattern, element.rows + static_cast<std::ptrdiff_t>(row) * kElementRowBytes,
+              sizeof(pattern));
   return pattern & ((std::uint32_t{1} << element.width) - 1);
 }
 

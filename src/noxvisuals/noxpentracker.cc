@@ -31,6 +31,7 @@
 #include <cstdint>
 
 #include "navigation/nox_navigation.h"
+#include "noxvisuals/fatal_asserts.h"
 #include "noxvisuals/planar_pads.h"
 #include "noxvisuals/whole_frame.h"
 #include "pentracker/pen_tracker.h"

@@ -16,6 +16,7 @@
 #include <gst/gst.h>
 #include <gst/video/video.h>
 
+#include "noxvisuals/fatal_asserts.h"
 #include "noxvisuals/planar_pads.h"
 #include "noxvisuals/whole_frame.h"
 #include "vectorizer/vectorizer.h"

@@ -1,5 +1,9 @@
 #include "pentracker/pixel_block_kernels.h"
 
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pentracker/pixel_block_kernels.cc"
 #include "hwy/cache_control.h"
@@ -14,6 +18,8 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 // A pixel is stored as one 64-bit number, its x in the low half.
 using Pixels = hn::ScalableTag<std::uint64_t>;
+static_assert(sizeof(BlobPixel) == sizeof(std::uint64_t) && offsetof(BlobPixel, y) == 4);
+static_assert(std::endian::native == std::endian::little);
 using PixelVector = hn::Vec<Pixels>;
 
 // More pixels than this are not read again before they have left the cache: writing past the cache

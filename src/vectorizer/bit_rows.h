@@ -2,6 +2,7 @@
 #ifndef VECTORIZER_BIT_ROWS_H_
 #define VECTORIZER_BIT_ROWS_H_
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -15,6 +16,9 @@ inline constexpr std::size_t block_row_words(std::int32_t width) {
   const auto words = (static_cast<std::size_t>(width) + 63) / 64;
   return (words + kBlockWords - 1) / kBlockWords * kBlockWords;
 }
+
+// Kernels store and load the bits byte by byte.
+static_assert(std::endian::native == std::endian::little, "byte i holds bits 8 i to 8 i + 7");
 
 // A band of rows. Pixel x of a row is bit x % 64 of word x / 64; every bit from the picture's width
 // to the end of the row is 0. Rows start at multiples of 64 bytes.
