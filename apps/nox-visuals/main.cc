@@ -22,6 +22,7 @@ using nox::app::say;
 // In the order of --help.
 constexpr AddCommand kCommands[] = {
     nox::app::add_track,
+    nox::app::add_scan,
 };
 
 // What the command line asks for; nothing when that was said already, with its status in `status`.

@@ -16,6 +16,7 @@ struct OutputOptions {
   std::string mqtt;               // mqtt[s]://HOST[:PORT][/PREFIX]; empty: off
   std::string metrics;            // ADDR:PORT
   std::string plot;               // F.png or F.svg
+  bool raw = false;               // payloads on standard output, not JSON lines
 };
 
 // Adds --tuio, --osc and --plot: what only makes sense for a pen.

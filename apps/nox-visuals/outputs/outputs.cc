@@ -4,24 +4,30 @@
 
 #include "nox-visuals/outputs/background.h"
 #include "nox-visuals/outputs/json_lines.h"
+#include "nox-visuals/outputs/raw_payloads.h"
 
 namespace nox::app {
 namespace {
 
 // A file waits until its lines are read; a live stream waits for nobody.
-std::unique_ptr<Output> open_standard_output(const std::string &stream, bool live) {
+std::unique_ptr<Output> open_standard_output(bool raw, const std::string &stream, bool live) {
   constexpr const char *kName = "standard output";
-  auto lines = std::make_unique<JsonLines>(STDOUT_FILENO, kName, stream);
+  std::unique_ptr<Output> lines;
+  if (raw) {
+    lines = std::make_unique<RawPayloads>(STDOUT_FILENO, kName);
+  } else {
+    lines = std::make_unique<JsonLines>(STDOUT_FILENO, kName, stream);
+  }
   if (!live) return lines;
   return std::make_unique<Background>(std::move(lines), kName);
 }
 
 }  // namespace
 
-std::vector<std::unique_ptr<Output>> open_outputs(const OutputOptions & /*options*/,
+std::vector<std::unique_ptr<Output>> open_outputs(const OutputOptions &options,
                                                   const std::string &stream, bool live) {
   std::vector<std::unique_ptr<Output>> outputs;
-  outputs.push_back(open_standard_output(stream, live));
+  outputs.push_back(open_standard_output(options.raw, stream, live));
   return outputs;
 }
 

@@ -11,7 +11,7 @@
 
 namespace nox::app {
 
-// Standard output's JSON lines and what `options` name, for the stream of this name. Throws
+// Standard output's lines and what `options` name, for the stream of this name. Throws
 // OutputError when one cannot be opened, and UsageError when it is not built in.
 std::vector<std::unique_ptr<Output>> open_outputs(const OutputOptions &options,
                                                   const std::string &stream, bool live);

@@ -47,17 +47,9 @@ GstPadProbeReturn PenObserver::on_departure(GstPad * /*pad*/, GstPadProbeInfo *i
   return GST_PAD_PROBE_OK;
 }
 
-Moment PenObserver::now() const {
-  Moment now;
-  if (wall_time_) now.unix_us = g_get_real_time();
-  now.entered_ns = g_get_monotonic_time() * 1000;
-  return now;
-}
-
 void PenObserver::frame_came(const GstBuffer *buffer) {
   ++counts_->frames;
-  frame_ = now();
-  if (GST_BUFFER_PTS_IS_VALID(buffer)) frame_.pts_ns = static_cast<std::int64_t>(buffer->pts);
+  frame_ = moment_of(buffer);
 }
 
 void PenObserver::event_left(GstEvent *event) {

@@ -9,29 +9,23 @@
 
 #include "nox-visuals/observation.h"
 #include "nox-visuals/stream/counts.h"
+#include "nox-visuals/stream/observer.h"
 
 namespace nox::app {
 
 // The element sends an event ahead of each buffer that shows the pen: a probe on its source pad
 // joins the two, and sees from a buffer without one that the pen is lost.
-class PenObserver {
+class PenObserver final : public Observer {
  public:
   // `push` is called from the streaming thread, with Pen::at and Pen::stroke still unset. `counts`
   // must outlive it.
   PenObserver(Counts *counts, std::function<void(Observation)> push);
 
-  // From now on moments carry the time of the clock on the wall too. Before the first frame.
-  void tell_wall_time() { wall_time_ = true; }
+  const char *element() const override { return "tracker"; }
+  void attach(GstElement *tracker) override;
 
-  // Watches a tracker that has not started; it must be gone before the observer. A tracker is
-  // watched after the other.
-  void attach(GstElement *tracker);
-
-  // The tracker is gone, and so is a pen that it saw.
-  void detach();
-
-  // The moment at which it is called, while no tracker runs.
-  Moment now() const;
+  // A pen that the tracker saw is gone with it.
+  void detach() override;
 
  private:
   struct Position {
@@ -47,7 +41,6 @@ class PenObserver {
   void frame_left();
   void lose(bool pressed);
 
-  bool wall_time_ = false;
   Counts *counts_;
   std::function<void(Observation)> push_;
   Moment frame_;                  // of the frame in the tracker
