@@ -120,10 +120,11 @@ std::optional<std::vector<RowStep>> plan_rows(const FilterCoefficients &coeffici
     for (std::size_t t = 0; t < taps; ++t) {
       words[output.index[t] - 2 * step.first_pair] += output.weight[t];
     }
-    for (std::int32_t i = 0; i < step.count; ++i) {
+    const std::int32_t *pair = words;
+    for (std::int32_t i = 0; i < step.count; ++i, pair += 2) {
       // The upper row's weight in the low word, both in two's complement.
-      const auto low = static_cast<std::uint16_t>(words[2 * i]);
-      const auto high = static_cast<std::uint16_t>(words[2 * i + 1]);
+      const auto low = static_cast<std::uint16_t>(pair[0]);
+      const auto high = static_cast<std::uint16_t>(pair[1]);
       step.weights[i] = static_cast<std::int32_t>(low | static_cast<std::uint32_t>(high) << 16);
     }
     steps.push_back(step);

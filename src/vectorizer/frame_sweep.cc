@@ -57,11 +57,14 @@ FrameSweep::FrameSweep(std::int32_t width, std::int32_t height) : width_(width),
   std::memset(block_, 0, bytes);
 
   std::uint64_t *next = block_;
-  int i = 0;
-  for (BitRows *rows : {&edges_, &dilated_, &lasting_}) {
-    *rows = {next + kGuardWords, words, words + kGuardWords, kRows[i]};
-    next += guarded_words(kRows[i++], words);
-  }
+  const auto take = [&next, words](std::int32_t rows) -> BitRows {
+    std::uint64_t *first = next + kGuardWords;
+    next += guarded_words(rows, words);
+    return {first, words, words + kGuardWords, rows};
+  };
+  edges_ = take(kRows[0]);
+  dilated_ = take(kRows[1]);
+  lasting_ = take(kRows[2]);
   any_of_pair_ = next;
   both_of_pair_ = next + words / 2;
 }
