@@ -23,6 +23,7 @@ using nox::app::say;
 constexpr AddCommand kCommands[] = {
     nox::app::add_track,
     nox::app::add_scan,
+    nox::app::add_doctor,
 };
 
 // What the command line asks for; nothing when that was said already, with its status in `status`.

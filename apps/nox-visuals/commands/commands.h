@@ -16,6 +16,7 @@ using Action = std::function<int()>;
 // `chosen` becomes what it does.
 using AddCommand = void (*)(CLI::App *program, Action *chosen);
 
+void add_doctor(CLI::App *program, Action *chosen);
 void add_scan(CLI::App *program, Action *chosen);
 void add_track(CLI::App *program, Action *chosen);
 

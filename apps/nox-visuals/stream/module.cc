@@ -24,8 +24,9 @@ void find_module() {
   const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
   if (error) return;
   for (const char *folder : {NOX_MODULE_FROM_BUILT_PROGRAM, NOX_MODULE_FROM_INSTALLED_PROGRAM}) {
-    const auto module = program.parent_path() / folder / "libgstnoxvisuals_sse.so";
-    if (!std::filesystem::exists(module, error)) continue;
+    const auto module = std::filesystem::canonical(
+        program.parent_path() / folder / "libgstnoxvisuals_sse.so", error);
+    if (error) continue;
     GstPlugin *plugin = gst_plugin_load_file(module.c_str(), nullptr);
     if (plugin != nullptr) gst_object_unref(plugin);
     if (elements_known()) return;

@@ -46,15 +46,20 @@ def of_type(objects, kind):
     return [it for it in objects if it["type"] == kind]
 
 
+def launch(description, **options):
+    """Runs a pipeline to its end."""
+    subprocess.run(["gst-launch-1.0", "-q", *description.split()], check=True, **options)
+
+
 def make_video(path, scene="pen", frames=60, encode="vp8enc deadline=1 ! webmmux", layout="i420"):
     """Writes a scene of the generator's, 640 by 360 and 30 frames a second, by the distribution's encoder.
 
     `layout` is how the encoder takes the scene's planes, whatever they hold.
     """
-    launch = (f"fdsrc fd=0 ! rawvideoparse width=640 height=360 framerate=30/1 format={layout} ! "
-              f"{encode} ! filesink location={path}")
+    pipeline = (f"fdsrc fd=0 ! rawvideoparse width=640 height=360 framerate=30/1 format={layout} ! "
+                f"{encode} ! filesink location={path}")
     command = [NOXSCENE, "--size", "640x360", "--frames", str(frames), *scene.split()]
     with subprocess.Popen(command, stdout=subprocess.PIPE) as raw:
-        subprocess.run(["gst-launch-1.0", "-q", *launch.split()], stdin=raw.stdout, check=True)
+        launch(pipeline, stdin=raw.stdout)
     assert raw.returncode == 0
     return path

@@ -1,0 +1,43 @@
+// What a camera can do and how it is set, behind a seam that tests replace.
+#ifndef NOX_VISUALS_CAMERA_CAMERA_H_
+#define NOX_VISUALS_CAMERA_CAMERA_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace nox::app {
+
+// A setting of the camera's driver. Ids, types and flags are V4L2's (linux/videodev2.h).
+struct CameraControl {
+  std::uint32_t id = 0;
+  std::string name;  // as v4l2-ctl says it: lower case, words joined by _
+  std::uint32_t type = 0;
+  std::uint32_t flags = 0;
+  std::int64_t minimum = 0, maximum = 0, step = 1, default_value = 0;
+  std::int64_t value = 0;
+};
+
+// A size and rate at which the camera delivers.
+struct CameraMode {
+  std::string format;  // its four characters, such as "MJPG"
+  std::uint32_t width = 0, height = 0;
+  double rate = 0;  // frames a second
+};
+
+class Camera {
+ public:
+  Camera() = default;
+  virtual ~Camera() = default;
+  Camera(const Camera &) = delete;
+  Camera &operator=(const Camera &) = delete;
+
+  virtual std::vector<CameraMode> modes() const = 0;
+
+  // All that can be read, with the values of now.
+  virtual std::vector<CameraControl> controls() const = 0;
+};
+
+}  // namespace nox::app
+
+#endif  // NOX_VISUALS_CAMERA_CAMERA_H_

@@ -1,0 +1,150 @@
+#include "nox-visuals/camera/v4l2_camera.h"
+
+#include <fcntl.h>
+#include <linux/videodev2.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cctype>
+#include <cerrno>
+#include <cstring>
+
+#include "nox-visuals/errors.h"
+
+namespace nox::app {
+namespace {
+
+int call(int file, unsigned long request, void *argument) {
+  int result;
+  do {
+    result = ioctl(file, request, argument);
+  } while (result < 0 && errno == EINTR);
+  return result;
+}
+
+std::string four_characters(std::uint32_t format) {
+  std::string text;
+  for (int byte = 0; byte < 4; ++byte) text += static_cast<char>(format >> 8 * byte & 0x7F);
+  return text;
+}
+
+double per_second(const v4l2_fract &interval) {
+  return interval.numerator == 0 ? 0 : double{1} * interval.denominator / interval.numerator;
+}
+
+bool has_one_value(std::uint32_t type) {
+  switch (type) {
+    case V4L2_CTRL_TYPE_INTEGER:
+    case V4L2_CTRL_TYPE_BOOLEAN:
+    case V4L2_CTRL_TYPE_MENU:
+    case V4L2_CTRL_TYPE_INTEGER_MENU:
+    case V4L2_CTRL_TYPE_INTEGER64:
+    case V4L2_CTRL_TYPE_BITMASK:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+std::string control_name(const std::string &name) {
+  std::string out;
+  for (const char c : name) {
+    if (std::isalnum(static_cast<unsigned char>(c)) != 0) {
+      out += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    } else if (!out.empty() && out.back() != '_') {
+      out += '_';
+    }
+  }
+  while (!out.empty() && out.back() == '_') out.pop_back();
+  return out;
+}
+
+V4l2Camera::V4l2Camera(const std::string &device)
+    : file_(open(device.c_str(), O_RDWR | O_CLOEXEC)) {
+  if (file_ < 0) throw StreamError(device + ": " + std::strerror(errno));
+  v4l2_capability capability{};
+  if (call(file_, VIDIOC_QUERYCAP, &capability) < 0) {
+    close(file_);
+    throw StreamError(device + ": is no camera");
+  }
+}
+
+V4l2Camera::~V4l2Camera() {
+  close(file_);
+}
+
+std::vector<CameraMode> V4l2Camera::modes() const {
+  std::vector<CameraMode> modes;
+  v4l2_fmtdesc format{};
+  format.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+  for (; call(file_, VIDIOC_ENUM_FMT, &format) == 0; ++format.index) {
+    add_sizes(format.pixelformat, &modes);
+  }
+  return modes;
+}
+
+// Of a camera that takes any size within bounds, the smallest and the largest stand for all.
+void V4l2Camera::add_sizes(std::uint32_t format, std::vector<CameraMode> *modes) const {
+  v4l2_frmsizeenum size{};
+  size.pixel_format = format;
+  for (; call(file_, VIDIOC_ENUM_FRAMESIZES, &size) == 0; ++size.index) {
+    if (size.type == V4L2_FRMSIZE_TYPE_DISCRETE) {
+      add_rates(format, size.discrete.width, size.discrete.height, modes);
+    } else {
+      add_rates(format, size.stepwise.min_width, size.stepwise.min_height, modes);
+      add_rates(format, size.stepwise.max_width, size.stepwise.max_height, modes);
+      return;
+    }
+  }
+}
+
+void V4l2Camera::add_rates(std::uint32_t format, std::uint32_t width, std::uint32_t height,
+                           std::vector<CameraMode> *modes) const {
+  v4l2_frmivalenum interval{};
+  interval.pixel_format = format;
+  interval.width = width;
+  interval.height = height;
+  for (; call(file_, VIDIOC_ENUM_FRAMEINTERVALS, &interval) == 0; ++interval.index) {
+    const bool discrete = interval.type == V4L2_FRMIVAL_TYPE_DISCRETE;
+    const double rate = per_second(discrete ? interval.discrete : interval.stepwise.min);
+    modes->push_back({four_characters(format), width, height, rate});
+    if (!discrete) return;
+  }
+}
+
+std::vector<CameraControl> V4l2Camera::controls() const {
+  constexpr std::uint32_t kNext = V4L2_CTRL_FLAG_NEXT_CTRL;
+  std::vector<CameraControl> controls;
+  v4l2_query_ext_ctrl query{};
+  for (query.id = kNext; call(file_, VIDIOC_QUERY_EXT_CTRL, &query) == 0; query.id |= kNext) {
+    if (!has_one_value(query.type) || (query.flags & V4L2_CTRL_FLAG_DISABLED) != 0) continue;
+    CameraControl control{query.id,
+                          control_name(query.name),
+                          query.type,
+                          query.flags,
+                          query.minimum,
+                          query.maximum,
+                          static_cast<std::int64_t>(query.step),
+                          query.default_value,
+                          0};
+    if (read_value(&control)) controls.push_back(control);
+  }
+  return controls;
+}
+
+bool V4l2Camera::read_value(CameraControl *control) const {
+  v4l2_ext_control value{};
+  value.id = control->id;
+  v4l2_ext_controls list{};
+  list.which = V4L2_CTRL_WHICH_CUR_VAL;
+  list.count = 1;
+  list.controls = &value;
+  if (call(file_, VIDIOC_G_EXT_CTRLS, &list) < 0) return false;
+  control->value =
+      control->type == V4L2_CTRL_TYPE_INTEGER64 ? value.value64 : std::int64_t{value.value};
+  return true;
+}
+
+}  // namespace nox::app
