@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "nox-visuals/console.h"
 #include "nox-visuals/outputs/preview.h"
 #include "nox-visuals/stream/chain.h"
 #include "nox-visuals/stream/module.h"
@@ -12,6 +13,10 @@ namespace nox::app {
 namespace {
 
 constexpr const char *kTracker = "noxpentracker name=tracker ! fakesink name=pace sync=false";
+
+constexpr const char *kLostPressed =
+    "the pen was lost while it was pressed: it is found again only when it hovers "
+    "(the end counts these as losses_pressed)";
 
 std::string tail(const std::optional<std::string> &preview) {
   if (!preview) return kTracker;
@@ -33,7 +38,11 @@ void keep_pace(GstElement *pipeline) {
 int follow_pen(PenStream pen_stream) {
   demand_module();
   Chain chain;
-  PenObserver observer(chain.counts(), [&chain](Observation it) { chain.push(std::move(it)); });
+  PenObserver observer(chain.counts(), [&chain, said = false](Observation it) mutable {
+    const Loss *loss = std::get_if<Loss>(&it);
+    if (loss != nullptr && loss->pressed && !std::exchange(said, true)) say(kLostPressed);
+    chain.push(std::move(it));
+  });
   auto preview = pen_stream.preview ? std::make_unique<Preview>() : nullptr;
   StreamPlan plan;
   plan.source = pen_stream.source;

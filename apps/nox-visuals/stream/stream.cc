@@ -17,6 +17,7 @@ namespace {
 constexpr guint kLookMs = 200;
 constexpr guint kFinishMs = 3000;  // for a pipeline to end by itself when it is asked to
 constexpr double kFirstWait = 0.5;
+constexpr gint64 kSilenceUs = 10'000'000;  // a camera without a frame for so long is gone
 
 std::string error_text(GstMessage *message) {
   GError *error = nullptr;
@@ -77,7 +78,7 @@ void Stream::drop_pipeline() {
 
 std::string Stream::run() {
   const SignalWatch signals([this] { finish(); });
-  started_us_ = g_get_monotonic_time();
+  started_us_ = last_frame_us_ = g_get_monotonic_time();
   const guint look_timer = g_timeout_add(kLookMs, on_look, this);
   gst_element_set_state(pipeline_.get(), GST_STATE_PLAYING);
   g_main_loop_run(loop_);
@@ -149,7 +150,8 @@ void Stream::source_failed(const std::string &why) {
 
 void Stream::try_again() {
   retry_timer_ = 0;
-  frames_then_ = counts_->frames;
+  frames_seen_ = counts_->frames;
+  last_frame_us_ = g_get_monotonic_time();
   try {
     build();
     gst_element_set_state(pipeline_.get(), GST_STATE_PLAYING);
@@ -161,11 +163,19 @@ void Stream::try_again() {
 // What is seen by looking from time to time.
 void Stream::look() {
   if (stop_) finish();
-  if (away_ && pipeline_ != nullptr && counts_->frames > frames_then_) {
-    away_ = false;
-    say(plan_.word + " is back");
-  }
+  if (pipeline_ != nullptr) look_for_frames();
   if (can_show_progress()) tell_progress();
+}
+
+void Stream::look_for_frames() {
+  const gint64 now = g_get_monotonic_time();
+  if (counts_->frames > frames_seen_) {
+    frames_seen_ = counts_->frames;
+    last_frame_us_ = now;
+    if (std::exchange(away_, false)) say(plan_.word + " is back");
+  } else if (now - last_frame_us_ > kSilenceUs && returns() && frames_seen_ > 0) {
+    source_failed("no frame came for " + seconds(static_cast<double>(kSilenceUs) / 1e6));
+  }
 }
 
 void Stream::tell_progress() {

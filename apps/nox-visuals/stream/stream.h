@@ -61,6 +61,7 @@ class Stream {
   void try_again();
   void finish();
   void look();
+  void look_for_frames();
   void tell_progress();
   bool returns() const;
 
@@ -82,7 +83,8 @@ class Stream {
   std::atomic<bool> stop_ = false;
   bool away_ = false;     // the source went and is not back yet
   double next_wait_ = 0;  // seconds
-  std::uint64_t frames_then_ = 0;
+  std::uint64_t frames_seen_ = 0;
+  gint64 last_frame_us_ = 0;
   gint64 started_us_ = 0;
   std::string missing_;  // a plugin that the pipeline lacks, and its package
   std::string failure_;  // why the stream failed

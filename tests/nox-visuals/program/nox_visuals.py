@@ -51,15 +51,17 @@ def launch(description, **options):
     subprocess.run(["gst-launch-1.0", "-q", *description.split()], check=True, **options)
 
 
-def make_video(path, scene="pen", frames=60, encode="vp8enc deadline=1 ! webmmux", layout="i420"):
-    """Writes a scene of the generator's, 640 by 360 and 30 frames a second, by the distribution's encoder.
+def draw(scene, frames):
+    """Raw I420 frames of a scene of the generator's, 640 by 360."""
+    return subprocess.run([NOXSCENE, "--size", "640x360", "--frames", str(frames), *scene.split()],
+                          stdout=subprocess.PIPE, check=True).stdout
 
-    `layout` is how the encoder takes the scene's planes, whatever they hold.
+
+def make_video(path, scene="pen", frames=60, raw=None, encode="vp8enc deadline=1 ! webmmux", layout="i420"):
+    """Writes so many frames of a scene, or `raw` ones, 30 a second, by the distribution's encoder.
+
+    `layout` is how the encoder takes the planes, whatever they hold.
     """
-    pipeline = (f"fdsrc fd=0 ! rawvideoparse width=640 height=360 framerate=30/1 format={layout} ! "
-                f"{encode} ! filesink location={path}")
-    command = [NOXSCENE, "--size", "640x360", "--frames", str(frames), *scene.split()]
-    with subprocess.Popen(command, stdout=subprocess.PIPE) as raw:
-        launch(pipeline, stdin=raw.stdout)
-    assert raw.returncode == 0
+    launch(f"fdsrc fd=0 ! rawvideoparse width=640 height=360 framerate=30/1 format={layout} ! "
+           f"{encode} ! filesink location={path}", input=raw or draw(scene, frames))
     return path

@@ -59,6 +59,19 @@ class Track(WithClip):
             self.assertEqual(now["stroke"], presses)
         self.assertGreater(presses, 1)
 
+    def test_a_pen_that_goes_while_pressed(self):
+        """It is counted, and said once however often it happens."""
+        hover, write = nox.draw("pen", 20), nox.draw("pen", 70)
+        gone = nox.draw("edges", 5)
+        clip = nox.make_video(self.path("gone.webm"), raw=write + gone + hover + gone + write + gone)
+        lines, said = nox.run("track", clip)
+        lost = nox.of_type(lines, "lost")
+        self.assertEqual([it["pressed"] for it in lost], [True, False, True])
+        end = lines[-1]
+        self.assertEqual((end["losses"], end["losses_pressed"], end["found"]), (3, 2, 160))
+        self.assertIn("lost while it was pressed", said)
+        self.assertEqual(said.count("\n"), 1, said)
+
     def test_swapped_colours_are_the_other_pen(self):
         """A clip whose chroma planes are exchanged, read with --swap-colours, is the clip."""
         raw = "videoconvert ! video/x-raw,format=I420 ! avimux"
