@@ -87,7 +87,7 @@ TEST_F(PenObserverTest, APenGoesWithItsTracker) {
 }
 
 TEST_F(PenObserverTest, WithoutATimeStampThereIsNone) {
-  observer_.tell_wall_time();
+  observer_.go_live();
   frame_with_pen(GST_CLOCK_TIME_NONE, false);
   EXPECT_FALSE(std::get<Pen>(seen_.at(0)).when.pts_ns.has_value());
   EXPECT_GT(std::get<Pen>(seen_.at(0)).when.unix_us.value(), 1'700'000'000'000'000);
