@@ -35,17 +35,18 @@ bool read_payload(const quirc_code &found, Code *code) {
   return true;
 }
 
-Code read(quirc_code found, Mirrored mirrored) {
+// A mirrored code is turned in place.
+Code read(quirc_code *found, Mirrored mirrored) {
   Code code;
-  std::transform(std::begin(found.corners), std::end(found.corners), code.corners.begin(),
+  std::transform(std::begin(found->corners), std::end(found->corners), code.corners.begin(),
                  [](const quirc_point &corner) {
                    return Corner{corner.x, corner.y};
                  });
-  code.size = found.size;
-  if (read_payload(found, &code) || mirrored == Mirrored::kNotRead) return code;
+  code.size = found->size;
+  if (read_payload(*found, &code) || mirrored == Mirrored::kNotRead) return code;
   const char *error = code.error;
-  quirc_flip(&found);
-  if (read_payload(found, &code)) {
+  quirc_flip(found);
+  if (read_payload(*found, &code)) {
     std::swap(code.corners[1], code.corners[3]);
   } else {
     code.error = error;  // the code as it is seen
@@ -73,7 +74,7 @@ bool Decoder::decode(const Luma &luma) {
   for (int i = 0; i < count; ++i) {
     quirc_code found;
     quirc_extract(quirc_.get(), i, &found);
-    codes_.push_back(read(found, mirrored_));
+    codes_.push_back(read(&found, mirrored_));
   }
   return true;
 }
