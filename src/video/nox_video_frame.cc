@@ -1,5 +1,6 @@
 #include "video/nox_video_frame.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <limits>
 
@@ -29,11 +30,14 @@ void set_plane(NoxVideoFrame *frame, int plane, std::int32_t stride, std::int32_
   frame->plane_heights[plane] = height;
 }
 
-// Bytes of a packed row; a width whose row no stride can tell gives 0, and so no picture.
+// Bytes of a packed row; a width whose row no stride can tell gives 0, and so no picture, and a
+// width below 0 a stride below 0, whatever their product.
 std::int32_t packed_stride(std::uint32_t format, std::int32_t width) {
+  using Limits = std::numeric_limits<std::int32_t>;
   const bool three_bytes = format == kNoxFormatRgb || format == kNoxFormatBgr;
   const std::int64_t stride = std::int64_t{width} * (three_bytes ? 3 : 4);
-  return stride <= std::numeric_limits<std::int32_t>::max() ? static_cast<std::int32_t>(stride) : 0;
+  if (stride > Limits::max()) return 0;
+  return static_cast<std::int32_t>(std::max<std::int64_t>(stride, Limits::min()));
 }
 
 void set_geometry(NoxVideoFrame *frame) {

@@ -129,6 +129,19 @@ TEST(NoxVideoFrame, SizesWithoutAPictureHaveNoReadableByteAndStillRelease) {
   }
 }
 
+// Three or four times these leave 32 bits, and come back as a size that could be had.
+TEST(NoxVideoFrame, WidthsFarBelowZeroHaveNoPlane) {
+  for (std::uint32_t format : {0x200U, 0x201U}) {
+    for (std::int32_t width : {-0x7FFFFFFF, -1073741760, -1431655700}) {
+      NoxVideoFrame frame;
+      nox_video_frame_alloc(&frame, format, width, 1);
+      EXPECT_LT(frame.strides[0], 0) << width;
+      EXPECT_EQ(frame.planes[0], nullptr) << width;
+      nox_video_frame_free_planes(&frame);
+    }
+  }
+}
+
 TEST(NoxVideoFrame, UnknownCodesHaveTheEmptyName) {
   for (std::uint32_t code : {0U, 0x80U, 0x104U, 0x184U, 0x206U, 0x404U, 0xA04U, 0xFFFFFFFFU}) {
     EXPECT_STREQ(nox_video_format_to_string(code), "");
