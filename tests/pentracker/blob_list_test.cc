@@ -19,6 +19,7 @@
 
 namespace {
 
+using nox::test::blob_differences;
 using nox::test::make_mask;
 using nox::test::mask_of;
 using nox::test::mask_patterns;
@@ -27,7 +28,6 @@ using nox::test::MaskPattern;
 using nox::test::MaskPtr;
 using nox::test::PlainBlobList;
 using nox::test::Random;
-using nox::test::same_blobs;
 
 struct ListDeleter {
   void operator()(BlobList *list) const { blob_list_free(list); }
@@ -55,7 +55,7 @@ void compare_sequence(const MaskPattern &pattern, Area area, std::int32_t frames
     nox::test::set_bits_behind_rows(mask.get());
     const std::int32_t count = blob_list_label(list.get(), mask.get());
     ASSERT_EQ(count, plain.label(mask.get())) << "frame " << frame;
-    ASSERT_TRUE(same_blobs(list.get(), plain)) << "frame " << frame;
+    ASSERT_EQ(blob_differences(list.get(), plain), "") << "frame " << frame;
   }
 }
 
@@ -128,7 +128,7 @@ TEST(BlobList, ALargerNumberSurvivesWhereMembersNotRootsDecide) {
   for (const auto &picture : rows) {
     const MaskPtr mask = mask_of(picture);
     EXPECT_EQ(blob_list_label(list.get(), mask.get()), plain.label(mask.get()));
-    EXPECT_TRUE(same_blobs(list.get(), plain));
+    EXPECT_EQ(blob_differences(list.get(), plain), "");
   }
 }
 
@@ -225,7 +225,7 @@ TEST(BlobList, FilterSeesEveryBlobAndDropsSome) {
         mask_where(48, 30, [&](std::int32_t, std::int32_t) { return random.chance(0.3); });
     blob_list_label(list.get(), mask.get());
     plain.label(mask.get());
-    ASSERT_TRUE(same_blobs(list.get(), plain)) << "frame " << frame;
+    ASSERT_EQ(blob_differences(list.get(), plain), "") << "frame " << frame;
   }
   EXPECT_EQ(calls, all);
 }

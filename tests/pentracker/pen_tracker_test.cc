@@ -65,9 +65,9 @@ class Pair {
       EXPECT_EQ(actual.y, kUntouched);
       EXPECT_EQ(actual.pressed, kUntouchedPressed);
     }
-    ASSERT_TRUE(nox::test::same_blobs(tracker_->u_blobs, plain_.u));
-    ASSERT_TRUE(nox::test::same_blobs(tracker_->v_blobs, plain_.v));
-    ASSERT_TRUE(nox::test::same_blobs(tracker_->luma_blobs, plain_.luma));
+    ASSERT_EQ(nox::test::blob_differences(tracker_->u_blobs, plain_.u), "");
+    ASSERT_EQ(nox::test::blob_differences(tracker_->v_blobs, plain_.v), "");
+    ASSERT_EQ(nox::test::blob_differences(tracker_->luma_blobs, plain_.luma), "");
   }
   int found() const { return found_; }
 
