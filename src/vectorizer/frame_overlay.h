@@ -15,8 +15,9 @@
 // A source that reaches beyond both the left and the right of `dst` is drawn over its whole width,
 // that of the source's columns beyond its width too; likewise downwards. That is deliberate. What a
 // plane owns is read and drawn, padding included; a sample that lies outside, or whose alpha does,
-// is left out, on either side. The alpha that an odd width lacks for its last pair is read from
-// behind the row, and is the pair's other alpha where the plane ends.
+// is left out, on either side, and so is a whole row that begins in front of it, as rows that run
+// upwards can. The alpha that an odd width lacks for its last pair is read from behind the row, and
+// is the pair's other alpha where the plane ends.
 void video_frame_overlay(const NoxVideoFrame *dst, const NoxVideoFrame *src, std::int32_t x,
                          std::int32_t y);
 

@@ -7,11 +7,12 @@ namespace nox::test {
 
 namespace {
 
-// Sample (x, y) of a plane, or null outside of the bytes that the plane owns.
+// Sample (x, y) of a plane, or null outside of the bytes that the plane owns, and in a row that
+// begins in front of them.
 std::uint8_t *sample(const NoxVideoFrame &frame, int p, std::int64_t x, std::int64_t y) {
-  const std::int64_t offset = y * frame.strides[p] + x;
+  const std::int64_t row = y * frame.strides[p], offset = row + x;
   const PlainExtent extent = extent_plain(frame, p);
-  return offset >= extent.first && offset < extent.end ? frame.planes[p] + offset : nullptr;
+  return row >= extent.first && offset < extent.end ? frame.planes[p] + offset : nullptr;
 }
 
 // Alpha of the luma sample, or of the chroma sample whose pair begins at (x, y); -1 where there is
