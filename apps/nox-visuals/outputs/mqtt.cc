@@ -37,14 +37,15 @@ MqttConnection connect(const std::string &name, const MqttOptions &options,
 Mqtt::Mqtt(const MqttOptions &options, const std::string &stream, Say say)
     : stream_(stream),
       prefix_(options.prefix + "/" + stream + "/"),
+      unix_offset_us_(options.unix_offset_us),
       say_(std::move(say)),
       name_("--mqtt " + to_string(options.broker.address)),
       connection_(connect(name_, options, prefix_)) {
   wait_for_first_answer();
 }
 
-// The broker forgets the will of those who say goodbye. What it acknowledges too late would make the
-// system cut the connection, and what it had not read by then would be lost.
+// The broker forgets the will of those who say goodbye. What it acknowledges too late would make
+// the system cut the connection, and what it had not read by then would be lost.
 Mqtt::~Mqtt() {
   if (state_ != State::kOnline) return;
   hand_over(status(prefix_, "offline"));

@@ -16,6 +16,8 @@ namespace nox::app {
 struct MqttOptions {
   MqttBroker broker;
   std::string prefix = "nox";
+  // The wall clock minus that of tick(), until the first observation tells; none for files.
+  std::optional<std::int64_t> unix_offset_us;
 };
 
 // Under PREFIX/S, each message the JSON line of its observation:
@@ -56,6 +58,8 @@ class Mqtt : public Output {
 
   std::string stream_;
   std::string prefix_;
+  // The wall clock minus that of tick(), from the last observation that told both; none for files.
+  std::optional<std::int64_t> unix_offset_us_;
   Say say_;
   std::string name_;
   MqttConnection connection_;
@@ -64,8 +68,6 @@ class Mqtt : public Output {
   std::unordered_map<int, int> under_way_;  // handed over: number to QoS
   std::optional<std::int64_t> next_stats_ns_;
   bool pressed_ = false;
-  // The wall clock minus that of tick(), from the last observation that told both; none for files.
-  std::optional<std::int64_t> unix_offset_us_;
   std::uint64_t undelivered_ = 0;
 };
 
