@@ -4,6 +4,8 @@
 # The mirror is the one of the running system, and so are npm's registry and certificates. A root goes with the
 # process that made it, and so do the processes in it.
 
+root=
+
 # The codename of a Debian release.
 codename() {
   case $1 in
@@ -18,7 +20,7 @@ debian_mirror() {
     awk '$1 == "Debian" && $2 !~ /security/ { print $2; exit }'
 }
 
-# make_root RELEASE [PACKAGE...]: sets $root, a folder that goes when the script ends.
+# make_root RELEASE [PACKAGE...]: sets $root, a folder that goes when the script ends or makes another one.
 make_root() {
   local release packages
   release=$(codename "$1")
@@ -27,9 +29,10 @@ make_root() {
     echo "$0: needs root and debootstrap" >&2
     exit 1
   fi
+  [ -z "$root" ] || rm -rf --one-file-system "$root"
   root=$(mktemp -d)
-  chmod 755 "$root"
   trap 'rm -rf --one-file-system "$root"' EXIT
+  chmod 755 "$root"
   packages=$(IFS=,; echo "$*")
   quietly debootstrap --variant=minbase --include="ca-certificates${packages:+,$packages}" "$release" "$root" \
     "$(debian_mirror)"
@@ -56,7 +59,8 @@ root_settings() {
 # in_root COMMAND: as root, in the root's first folder.
 in_root() {
   unshare --mount --pid --fork --kill-child bash -c '
-    mount --rbind /dev "$1/dev" && mount -t proc proc "$1/proc"
+    mount -t devpts -o newinstance,ptmxmode=666 devpts "$1/dev/pts" && mount -t tmpfs -o mode=1777 tmpfs "$1/dev/shm"
+    mount -t proc proc "$1/proc"
     exec chroot "$1" /usr/bin/env -i HOME=/root TERM=dumb LANG=C.UTF-8 DEBIAN_FRONTEND=noninteractive \
       PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
       bash -c ". /etc/environment.sh; $2"
