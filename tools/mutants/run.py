@@ -13,7 +13,6 @@ from tree import Tree
 _ROOT = pathlib.Path(__file__).resolve().parents[2]
 _FOLDER = _ROOT / "build-mutants"
 _LIST = pathlib.Path(__file__).with_name("without_effect.txt")
-_ELEMENTS = "noxvisuals"
 # Of CPU time for a test program, quick or not, in the order in which they are run.
 _SECONDS = {True: 20, False: 120}
 _SANITIZED_SECONDS = {True: 60}
@@ -65,7 +64,7 @@ class Judge:
 
     def _try_plain(self, path, room):
         own = self._plain.of_room(room)
-        elements = [p for p in self._plain.of_room(_ELEMENTS) if p not in own]
+        elements = [p for p in self._plain.of_elements() if p not in own]
         if not self._plain.compiles(own): return "does not compile"
         if self._plain.same_code(path): return "same code"
         if not _all_pass(own, _SECONDS): return "noticed"
@@ -73,7 +72,8 @@ class Judge:
         return "survived" if _all_pass(elements, _SECONDS) else "noticed"
 
     def _try_sanitized(self, _, room):
-        programs = [p for p in self._sanitized.programs if {room, _ELEMENTS} & set(p.rooms)]
+        own = self._sanitized.of_room(room)
+        programs = own + [p for p in self._sanitized.of_elements() if p not in own]
         if not self._sanitized.compiles(programs): return "does not compile"
         return "survived" if _all_pass(programs, _SANITIZED_SECONDS) else "noticed by a sanitizer"
 
