@@ -46,6 +46,7 @@ TEST(BitMaskTest, SizesBelowOneHoldNoPixels) {
   const std::uint8_t sample = 255;
   for (const auto &[width, height] : {std::pair{0, 0}, {0, 3}, {3, 0}, {-1, 5}, {5, -1}}) {
     const MaskPtr mask = make_mask(width, height);
+    EXPECT_EQ(mask->size > 0, height > 0) << width << "x" << height;
     bitmask_threshold(mask.get(), &sample, 0, 0);
     bitmask_or(mask.get(), mask.get(), mask.get());
     for (int i = 0; i < mask->size; ++i) EXPECT_EQ(mask->block[i], 0) << width << "x" << height;
@@ -118,10 +119,12 @@ TEST(BitMaskTest, OnlyTheLowByteOfTheThresholdCounts) {
 
 TEST(BitMaskTest, ThresholdClearsTheWholeBlock) {
   const std::vector<std::uint8_t> plane(64 * 3);
-  const MaskPtr mask = make_mask(50, 3);
-  std::memset(mask->block, 0xFF, static_cast<std::size_t>(mask->size));
-  bitmask_threshold(mask.get(), plane.data(), 64, 0);
-  EXPECT_EQ(block_bytes(*mask), std::vector<std::uint8_t>(static_cast<std::size_t>(mask->size)));
+  for (auto *threshold : {bitmask_threshold, bitmask_threshold_below}) {
+    const MaskPtr mask = make_mask(50, 3);
+    std::memset(mask->block, 0xFF, static_cast<std::size_t>(mask->size));
+    threshold(mask.get(), plane.data(), 64, 0);
+    EXPECT_EQ(block_bytes(*mask), std::vector<std::uint8_t>(static_cast<std::size_t>(mask->size)));
+  }
 }
 
 TEST(BitMaskTest, BitsBehindTheWidthComeFromTheStridePadding) {

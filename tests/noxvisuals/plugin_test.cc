@@ -86,6 +86,7 @@ struct ElementRow {
   const char *long_name;
   const char *klass;
   const char *caps;
+  const char *category;  // of its log lines; its description too
 };
 
 constexpr const char *kPlanarCaps =
@@ -94,12 +95,13 @@ constexpr const char *kPlanarCaps =
 
 constexpr ElementRow kElements[] = {
     {"noxpentracker", "NoxPenTracker", "GstElement", "Video pen tracker", "Filter/Tracker/Video",
-     kPlanarCaps},
+     kPlanarCaps, "noxvideotracker"},
     {"noxvectorizer", "NoxVectorizer", "GstElement", "Video Vectorizer", "Filter/Tracker/Video",
-     kPlanarCaps},
+     kPlanarCaps, "noxvectorizer"},
     {"noxqrdec", "NoxQRDec", "GstVideoFilter", "QR Code Detector", "Filter/Trackerer/Video",
      "video/x-raw, format = (string) I420, width = (int) [ 1, max ], height = (int) [ 1, max ], "
-     "framerate = (fraction) [ 0, max ]"},
+     "framerate = (fraction) [ 0, max ]",
+     "noxqrdec"},
 };
 
 TEST(Module, ProvidesExactlyItsElements) {
@@ -139,6 +141,21 @@ TEST_P(EveryElement, HasItsMetadataRankAndType) {
   EXPECT_EQ(gst_plugin_feature_get_rank(GST_PLUGIN_FEATURE(factory_.get())), 256U);
   EXPECT_STREQ(G_OBJECT_TYPE_NAME(element_.get()), GetParam().type);
   EXPECT_STREQ(g_type_name(g_type_parent(G_OBJECT_TYPE(element_.get()))), GetParam().parent);
+}
+
+TEST_P(EveryElement, HasItsDebugCategoryWithoutAColour) {
+  ASSERT_NE(element_, nullptr);
+  GSList *categories = gst_debug_get_all_categories();
+  int found = 0;
+  for (const GSList *item = categories; item != nullptr; item = item->next) {
+    auto *category = static_cast<GstDebugCategory *>(item->data);
+    if (std::string(gst_debug_category_get_name(category)) != GetParam().category) continue;
+    ++found;
+    EXPECT_STREQ(gst_debug_category_get_description(category), GetParam().category);
+    EXPECT_EQ(gst_debug_category_get_color(category), 0U);
+  }
+  g_slist_free(categories);
+  EXPECT_EQ(found, 1);
 }
 
 TEST_P(EveryElement, HasItsPadTemplates) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "video/aligned_alloc.h"
 
@@ -39,9 +40,11 @@ constexpr FormatRow kFormats[] = {
     {0xA05, "CAIRO", 1, 4},
 };
 
-// An allocated frame whose planes are released at the end of the test.
+// An allocated frame whose planes are released at the end of the test. What the record held before
+// is nothing that it may keep.
 struct OwnedFrame : NoxVideoFrame {
-  OwnedFrame(std::uint32_t code, std::int32_t w, std::int32_t h) : NoxVideoFrame{} {
+  OwnedFrame(std::uint32_t code, std::int32_t w, std::int32_t h) {
+    std::memset(static_cast<NoxVideoFrame *>(this), 0x5A, sizeof(NoxVideoFrame));
     nox_video_frame_alloc(this, code, w, h);
   }
   ~OwnedFrame() { nox_video_frame_free_planes(this); }
@@ -83,7 +86,10 @@ TEST_P(EveryFormat, HasItsPlanesAtEvenAndOddSizes) {
         expect_plane(frame, 2, width / 2, height / 2);
       }
       if (row.planes == 4) expect_plane(frame, 3, width, height);
-      for (int p = row.planes; p < 4; ++p) EXPECT_EQ(frame.planes[p], nullptr);
+      for (int p = row.planes; p < 4; ++p) {
+        EXPECT_EQ(frame.planes[p], nullptr);
+        EXPECT_EQ(frame.strides[p], 0);
+      }
     }
   }
 }
@@ -122,10 +128,23 @@ TEST(NoxVideoFrame, ReleasingTwiceIsHarmlessAndKeepsTheGeometry) {
 
 TEST(NoxVideoFrame, SizesWithoutAPictureHaveNoReadableByteAndStillRelease) {
   for (const auto &[width, height] : {std::pair{0, 0}, {0, 7}, {7, 0}, {-1, 5}, {5, -1}}) {
-    NoxVideoFrame frame;
-    nox_video_frame_alloc(&frame, 0x100, width, height);
+    const OwnedFrame frame(0x100, width, height);
     EXPECT_EQ(frame.n_planes, 3);
-    nox_video_frame_free_planes(&frame);
+    // A negative size gives no plane, a size of 0 one without a byte.
+    EXPECT_EQ(frame.planes[0] == nullptr, width < 0 || height < 0) << width << " by " << height;
+  }
+  const OwnedFrame both_below(0x100, -1, -1);
+  EXPECT_EQ(both_below.planes[0], nullptr);
+}
+
+// The largest widths whose rows a stride can tell, and the next ones.
+TEST(NoxVideoFrame, RowsThatNoStrideCanTellHaveTheStride0) {
+  for (const auto &[format, width] :
+       {std::pair{kNoxFormatRgb, 715827882}, {kNoxFormatRgba, 536870911}}) {
+    const OwnedFrame widest(format, width, 0);
+    EXPECT_EQ(widest.strides[0], width * (format == kNoxFormatRgb ? 3 : 4));
+    const OwnedFrame wider(format, width + 1, 0);
+    EXPECT_EQ(wider.strides[0], 0);
   }
 }
 

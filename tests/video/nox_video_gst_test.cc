@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 
 #include "support/harness.h"
@@ -15,6 +16,7 @@ class Mapped {
  public:
   Mapped(const GstVideoInfo &info, GstBuffer *buffer) : buffer_(buffer) {
     mapped_ = gst_video_frame_map(&gst_frame, &info, buffer, GST_MAP_READ);
+    std::memset(&frame, 0x5A, sizeof(frame));  // what a record held before is nothing to keep
     nox_video_frame_from_gst_video_frame(&frame, &gst_frame);
   }
   ~Mapped() {
