@@ -65,9 +65,9 @@ class Program:
 
 
 class Build:
-    """A build folder."""
+    """A build folder, for changes to one room of src/, or to all ("*")."""
 
-    def __init__(self, tree, folder, sanitize):
+    def __init__(self, tree, folder, room, sanitize):
         self.folder = folder
         options = [*_OPTIONS, *(["-Db_sanitize=address"] if sanitize else [])]
         again = ["--reconfigure"] if (folder / "build.ninja").is_file() else []
@@ -76,7 +76,7 @@ class Build:
         described = json.loads(subprocess.run(["meson", "introspect", "--tests", folder], check=True,
                                               capture_output=True, text=True).stdout)
         memory = resource.RLIM_INFINITY if sanitize else _PLAIN_MEMORY
-        rooms = {path.name for path in (tree.folder / "src").iterdir()}
+        rooms = {path.name for path in (tree.folder / "src").glob(room)} | {_ELEMENTS}
         programs = [Program(d, folder, memory) for d in described if d["protocol"] == "gtest"]
         self.programs = [p for p in programs if rooms & set(p.rooms)]
         self._objects = {}  # what the compiler makes of the unchanged sources

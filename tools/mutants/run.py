@@ -39,9 +39,10 @@ class Judge:
     """Tries changes one at a time: first with the plain build, then, for those that survive, with the
     sanitized one, which takes longer."""
 
-    def __init__(self, tree):
+    def __init__(self, tree, room):
         self._tree = tree
-        self._plain = Build(tree, _FOLDER / "plain", sanitize=False)
+        self._room = room
+        self._plain = Build(tree, _FOLDER / "plain", room, sanitize=False)
         self._plain.prepare(_SECONDS)
         self._sanitized = None
 
@@ -50,7 +51,7 @@ class Judge:
 
     def sanitized_verdict(self, change):
         if self._sanitized is None:
-            self._sanitized = Build(self._tree, _FOLDER / "sanitized", sanitize=True)
+            self._sanitized = Build(self._tree, _FOLDER / "sanitized", self._room, sanitize=True)
             self._sanitized.prepare(_SANITIZED_SECONDS)
         return self._changed(change, self._try_sanitized)
 
@@ -102,14 +103,17 @@ def main():
     parser = argparse.ArgumentParser(prog="tools/check --mutants", description=__doc__)
     parser.add_argument("count", nargs="?", type=int, default=100)
     parser.add_argument("seed", nargs="?", type=int, default=int(time.time()))
+    parser.add_argument("room", nargs="?", default="*", help="of src/; all of them unless told")
     arguments = parser.parse_args()
     tree = Tree(_ROOT, _FOLDER / "tree")
-    changes = [c for path in tree.sources() for c in changes_of(path, tree.read(path))]
+    changes = [c for path in tree.sources(arguments.room) for c in changes_of(path, tree.read(path))]
     listed = listed_changes()
-    for key in sorted(listed - {c.key() for c in changes}):
-        print(f"no such change any more: {key}")
+    if arguments.room == "*":
+        for key in sorted(listed - {c.key() for c in changes}):
+            print(f"no such change any more: {key}")
     print(f"{arguments.count} changes from seed {arguments.seed}", flush=True)
-    verdicts = try_all(in_random_order(changes, arguments.seed), arguments.count, listed, Judge(tree))
+    verdicts = try_all(in_random_order(changes, arguments.seed), arguments.count, listed,
+                       Judge(tree, arguments.room))
     for change, verdict in verdicts.items():
         if verdict == "survived": print(f"{change.path}:{change.line}: {change.key()}")
     counts = collections.Counter(verdicts.values())

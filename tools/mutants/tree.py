@@ -32,8 +32,8 @@ class Tree:
     def write(self, path, text):
         (self.folder / path).write_text(text)
 
-    def sources(self):
-        """The sources that are compiled on this system, by their paths in the tree."""
-        found = [p for p in (self.folder / "src").rglob("*")
+    def sources(self, room):
+        """The sources of a room, or of all ("*"), that are compiled on this system."""
+        found = [p for p in (self.folder / "src").glob(f"{room}/**/*")
                  if p.suffix in (".cc", ".h") and "win32" not in p.name]
         return sorted(str(p.relative_to(self.folder)) for p in found)
