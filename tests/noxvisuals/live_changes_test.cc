@@ -162,7 +162,7 @@ void draw_pen_on(GstElement * /*source*/, GstBuffer *buffer, GstPad * /*pad*/, g
 
 // Pipelines with threads and a clock of their own.
 TEST(LiveChangesOfNoxPenTracker, TwoPipelinesTellOneNavigationObject) {
-  const int frames = repetitions(100, 1000);
+  const int frames = repetitions(100, 200);
   const std::string description =
       "fakesrc name=source format=time signal-handoffs=true sizetype=fixed sizemax=" +
       std::to_string(small_info().size) + " num-buffers=" + std::to_string(frames) +
