@@ -3,12 +3,14 @@
 
 #include <csignal>
 #include <exception>
+#include <memory>
 
 #include "nox-visuals/commands/commands.h"
 #include "nox-visuals/config.h"
 #include "nox-visuals/console.h"
 #include "nox-visuals/errors.h"
 #include "nox-visuals/options/config_file.h"
+#include "nox-visuals/options/help.h"
 #include "nox-visuals/outputs/output_error.h"
 #include "nox-visuals/stream/module.h"
 #include "nox-visuals/stream/signals.h"
@@ -28,7 +30,9 @@ constexpr AddCommand kCommands[] = {
 
 // What the command line asks for; nothing when that was said already, with its status in `status`.
 Action parse(int argc, char **argv, int *status) {
-  CLI::App program("Follows pens of light, reads QR codes and draws lasting edges in video.");
+  CLI::App program("Follows pens of light, reads QR codes and draws lasting edges in video.",
+                   "nox-visuals");
+  program.formatter(std::make_shared<nox::app::HelpFormatter>());
   program.require_subcommand(1);
   program.set_version_flag("--version", "nox-visuals " NOX_VERSION NOX_BUILT_WITHOUT);
   Action chosen;

@@ -74,15 +74,15 @@ void add_track(CLI::App *program, Action *chosen) {
   CLI::App *command = program->add_subcommand("track", "follows a pen of light");
   const auto options = std::make_shared<TrackOptions>();
   command->add_option("SOURCE", options->words, "a file, a URI, /dev/videoN, test:pen, gst:...")
-      ->required()
-      ->option_text("");
+      ->required();
   add_stream_options(command, &options->source);
   command->add_flag("--mirror,!--no-mirror", options->mirror, "for a camera behind the surface");
   command->add_flag("--swap-colours", options->swap_colours, "for a pen that hovers red");
   add_smoothing_options(command, &options->smoothing);
   add_pen_output_options(command, &options->outputs);
   add_output_options(command, &options->outputs);
-  command->add_flag("--preview{autovideosink}", options->preview, "shows the picture and the pen");
+  command->add_flag("--preview{autovideosink}", options->preview, "shows the picture and the pen")
+      ->option_text("[=SINK]");
   command->add_option("--output-dir", options->output_dir, "writes D/NAME.jsonl for each file")
       ->option_text("D");
   command->add_flag("--again", options->again, "does files anew that are done");

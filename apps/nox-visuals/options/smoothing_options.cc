@@ -6,7 +6,8 @@ void add_smoothing_options(CLI::App *command, SmoothingOptions *options) {
   command->add_option("--debounce", options->debounce_ms, "a change of pressed counts if it lasts")
       ->option_text("MS")
       ->check(CLI::NonNegativeNumber);
-  command->add_flag("--smooth{usual}", options->smooth, "steadies positions, by FMIN,BETA,DCUT");
+  command->add_flag("--smooth{usual}", options->smooth, "takes out tremble")
+      ->option_text("[=FMIN,BETA,DCUT]");
 }
 
 }  // namespace nox::app

@@ -72,8 +72,7 @@ void add_stream_options(CLI::App *command, SourceOptions *options) {
 
 void add_source_options(CLI::App *command, SourceOptions *options) {
   command->add_option("SOURCE", options->word, "a file, a URI, /dev/videoN, test:pen, gst:...")
-      ->required()
-      ->option_text("");
+      ->required();
   add_stream_options(command, options);
 }
 

@@ -83,6 +83,23 @@ class Track(WithClip):
         self.assertEqual(plain, swapped)
         self.assertNotEqual(plain, nox.run("track", exchanged, "--name", "s")[0])
 
+    def test_a_preview_changes_nothing(self):
+        """A file that is watched runs at its own pace; the lines are the same."""
+        shown = self.path("shown.i420")
+        lines, _ = nox.run("track", self.clip, f"--preview=video/x-raw,format=I420 ! filesink location={shown}")
+        self.assertEqual(lines, nox.run("track", self.clip)[0])
+        frames, rest = divmod(os.path.getsize(shown), 640 * 360 * 3 // 2)
+        self.assertEqual(rest, 0)
+        self.assertGreater(frames, 1)
+
+    def test_help_fits_a_screen(self):
+        process = nox.start("track", "--help")
+        text, _ = process.communicate(timeout=nox.PATIENCE)
+        self.assertEqual(process.returncode, 0)
+        self.assertIn("Example: nox-visuals track", text)
+        self.assertLessEqual(text.count("\n"), 45)
+        self.assertLessEqual(max(map(len, text.splitlines())), 80)
+
     def test_options_from_a_file(self):
         config = self.write("options", b"# for the hall\nname = hall\nmirror = true\n")
         lines, _ = nox.run("track", self.clip, "--config", config)
