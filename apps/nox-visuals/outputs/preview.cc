@@ -1,6 +1,6 @@
 #include "nox-visuals/outputs/preview.h"
 
-#ifdef NOX_HAVE_CAIRO
+#if NOX_HAVE_CAIRO
 #include <cairo.h>
 #endif
 
@@ -12,7 +12,7 @@
 
 namespace nox::app {
 
-#ifdef NOX_HAVE_CAIRO
+#if NOX_HAVE_CAIRO
 namespace {
 
 constexpr const char *kOverlay = "cairooverlay name=ring ! videoconvert ! ";
@@ -65,7 +65,7 @@ std::string preview_branch(const std::string &sink) {
 Preview::Preview() : ring_(std::make_shared<Ring>()) {}
 
 void Preview::attach([[maybe_unused]] GstElement *pipeline) {
-#ifdef NOX_HAVE_CAIRO
+#if NOX_HAVE_CAIRO
   const auto draw = +[](GstElement *overlay, cairo_t *cairo, guint64 /*time*/, guint64 /*duration*/,
                         gpointer data) {
     const auto &ring = *static_cast<std::shared_ptr<Ring> *>(data);

@@ -19,6 +19,7 @@ int Chain::run(StreamPlan plan, Observer *observer, std::vector<std::unique_ptr<
     prepare(pipeline);
   };
   plan.gone = [observer] { observer->detach(); };
+  plan.hurry = [this] { queue_.set_when_full(WhenFull::kDropOldest); };
   stream.open(std::move(plan));
   if (stream.live()) {
     observer->go_live();

@@ -29,9 +29,9 @@ void ObservationQueue::drop_oldest_position() {
 
 void ObservationQueue::push(Observation observation) {
   std::unique_lock lock(mutex_);
-  if (when_full_ == WhenFull::kWait) {
-    changed_.wait(lock, [this] { return closed_ || items_.size() < capacity_; });
-  }
+  changed_.wait(lock, [this] {
+    return closed_ || when_full_ == WhenFull::kDropOldest || items_.size() < capacity_;
+  });
   if (closed_) return;
   const bool position = is_position(observation);
   items_.push_back({std::move(observation), position});

@@ -77,11 +77,13 @@ void Stream::drop_pipeline() {
 }
 
 std::string Stream::run() {
-  const SignalWatch signals([this] { finish(); });
+  std::optional<SignalWatch> signals(std::in_place, [this] { finish(); });
   started_us_ = last_frame_us_ = g_get_monotonic_time();
   const guint look_timer = g_timeout_add(kLookMs, on_look, this);
   gst_element_set_state(pipeline_.get(), GST_STATE_PLAYING);
   g_main_loop_run(loop_);
+  // Whatever may still take long: another signal ends the program at once.
+  signals.reset();
   for (guint *timer : {&retry_timer_, &finish_timer_}) {
     if (*timer != 0) g_source_remove(std::exchange(*timer, 0));
   }
@@ -98,6 +100,7 @@ void Stream::stop() {
 // The pipeline is given the chance to end by itself, so that files are finished.
 void Stream::finish() {
   finishing_ = true;
+  plan_.hurry();
   if (pipeline_ == nullptr ||
       gst_element_send_event(pipeline_.get(), gst_event_new_eos()) == FALSE) {
     g_main_loop_quit(loop_);

@@ -26,6 +26,8 @@ struct StreamPlan {
   std::function<void(GstElement *pipeline)> started = [](GstElement *) {};
   // Called when a pipeline that will be followed by another one is gone.
   std::function<void()> gone = [] {};
+  // Called when the stream is to end before its end: from now on nothing may make it wait.
+  std::function<void()> hurry = [] {};
 };
 
 class Stream {

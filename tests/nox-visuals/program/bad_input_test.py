@@ -66,6 +66,13 @@ class BadInput(unittest.TestCase):
         self.assertEqual(said, f"nox-visuals: {self.clip}: GStreamer lacks VP8 decoder; "
                          "install gstreamer1.0-plugins-good\n")
 
+    def test_frames_that_do_not_hold_what_their_caps_say(self):
+        """The element would end the process."""
+        description = f"filesrc location={self.clip} blocksize=1000 ! video/x-raw,format=I420,width=640,height=360"
+        lines, said = nox.run("track", f"gst:{description},framerate=30/1", status=1)
+        self.assertIn("does not hold what its caps say", said)
+        self.assertEqual(lines[-1]["frames"], 0)
+
     def test_the_module_is_not_there(self):
         """Where neither GStreamer nor the program's surroundings have it."""
         alone = self.path("nox-visuals")

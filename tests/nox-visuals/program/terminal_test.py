@@ -3,6 +3,7 @@ import os
 import pty
 import signal
 import subprocess
+import tempfile
 import time
 import unittest
 
@@ -74,6 +75,26 @@ class Signals(unittest.TestCase):
 
     def test_a_request_to_end_is_fulfilled(self):
         self.assertEqual(self.stop(signal.SIGTERM), 0)
+
+    def test_a_second_interrupt_ends_at_once(self):
+        """A file waits for its reader; whoever does not want to wait interrupts again."""
+        pens = "multifilesrc loop=true location=" + self.raw_clip()
+        process = nox.start("track", f"gst:{pens} ! rawvideoparse width=640 height=360 framerate=30/1")
+        self.addCleanup(process.kill)
+        time.sleep(3)
+        self.assertIsNone(process.poll())
+        process.send_signal(signal.SIGINT)
+        time.sleep(2)
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(process.wait(timeout=nox.PATIENCE), -signal.SIGINT)
+
+    def raw_clip(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        path = os.path.join(folder.name, "pen.i420")
+        with open(path, "wb") as file:
+            file.write(nox.draw("pen", 30))
+        return path
 
     def test_a_reader_that_stopped_holds_nobody_up(self):
         """The pipe is full long before; the program ends all the same."""

@@ -86,6 +86,17 @@ TEST(ObservationQueue, OfAFileNothingGoes) {
   EXPECT_EQ(queue.dropped(), 0U);
 }
 
+TEST(ObservationQueue, AStreamThatNoLongerWaitsDrops) {
+  ObservationQueue queue(2);
+  queue.push(pen(0, false));
+  queue.push(pen(1, false));
+  std::thread writer([&] { queue.push(pen(2, false)); });
+  queue.set_when_full(WhenFull::kDropOldest);
+  writer.join();
+  EXPECT_EQ(all(&queue), (std::vector<std::string>{"h0", "h2"}));
+  EXPECT_EQ(queue.dropped(), 1U);
+}
+
 TEST(ObservationQueue, ClosingEndsTheWait) {
   ObservationQueue queue(1);
   queue.push(pen(0, false));
