@@ -30,7 +30,7 @@ class Program:
         self._memory = memory
         self.target = os.path.relpath(described["cmd"][0], folder)
         self.seconds = 0.0  # of CPU time that it takes; known once it has run
-        self.rooms = [suite.split(":")[-1] for suite in described["suite"]]
+        self.rooms = {suite.split(":")[-1] for suite in described["suite"]}
 
     def passes(self, quick, seconds):
         """Runs it to its first failure, and for so many seconds of CPU time at most."""
@@ -65,9 +65,9 @@ class Program:
 
 
 class Build:
-    """A build folder, for changes to one room of src/, or to all ("*")."""
+    """A build folder, with the test programs of some rooms and of the elements."""
 
-    def __init__(self, tree, folder, room, sanitize):
+    def __init__(self, tree, folder, rooms, sanitize):
         self.folder = folder
         options = [*_OPTIONS, *(["-Db_sanitize=address"] if sanitize else [])]
         again = ["--reconfigure"] if (folder / "build.ninja").is_file() else []
@@ -76,9 +76,8 @@ class Build:
         described = json.loads(subprocess.run(["meson", "introspect", "--tests", folder], check=True,
                                               capture_output=True, text=True).stdout)
         memory = resource.RLIM_INFINITY if sanitize else _PLAIN_MEMORY
-        rooms = {path.name for path in (tree.folder / "src").glob(room)} | {_ELEMENTS}
         programs = [Program(d, folder, memory) for d in described if d["protocol"] == "gtest"]
-        self.programs = [p for p in programs if rooms & set(p.rooms)]
+        self.programs = [p for p in programs if p.rooms & {*rooms, _ELEMENTS}]
         self._objects = {}  # what the compiler makes of the unchanged sources
 
     def _run(self, command):
@@ -86,12 +85,12 @@ class Build:
                               text=True)
         if done.returncode != 0: raise RuntimeError(done.stdout[-3000:])
 
-    def of_room(self, room):
-        return [p for p in self.programs if room in p.rooms]
+    def of_rooms(self, rooms):
+        return [p for p in self.programs if rooms & p.rooms]
 
     def of_elements(self):
         """Their tests but those of states and threads, which take long and use the cores little."""
-        return [p for p in self.of_room(_ELEMENTS) if p.seconds < _LONG]
+        return [p for p in self.of_rooms({_ELEMENTS}) if p.seconds < _LONG]
 
     def compiles(self, programs):
         try:

@@ -39,10 +39,10 @@ class Judge:
     """Tries changes one at a time: first with the plain build, then, for those that survive, with the
     sanitized one, which takes longer."""
 
-    def __init__(self, tree, room):
+    def __init__(self, tree, rooms):
         self._tree = tree
-        self._room = room
-        self._plain = Build(tree, _FOLDER / "plain", room, sanitize=False)
+        self._rooms = rooms
+        self._plain = Build(tree, _FOLDER / "plain", rooms, sanitize=False)
         self._plain.prepare(_SECONDS)
         self._sanitized = None
 
@@ -51,7 +51,7 @@ class Judge:
 
     def sanitized_verdict(self, change):
         if self._sanitized is None:
-            self._sanitized = Build(self._tree, _FOLDER / "sanitized", self._room, sanitize=True)
+            self._sanitized = Build(self._tree, _FOLDER / "sanitized", self._rooms, sanitize=True)
             self._sanitized.prepare(_SANITIZED_SECONDS)
         return self._changed(change, self._try_sanitized)
 
@@ -59,12 +59,12 @@ class Judge:
         source = self._tree.read(change.path)
         self._tree.write(change.path, change.apply(source))
         try:
-            return attempt(change.path, change.path.split("/")[1])
+            return attempt(change.path, self._tree.rooms_of(change.path))
         finally:
             self._tree.write(change.path, source)
 
-    def _try_plain(self, path, room):
-        own = self._plain.of_room(room)
+    def _try_plain(self, path, rooms):
+        own = self._plain.of_rooms(rooms)
         elements = [p for p in self._plain.of_elements() if p not in own]
         if not self._plain.compiles(own): return "does not compile"
         if self._plain.same_code(path): return "same code"
@@ -72,8 +72,8 @@ class Judge:
         if not self._plain.compiles(elements): return "does not compile"
         return "survived" if _all_pass(elements, _SECONDS) else "noticed"
 
-    def _try_sanitized(self, _, room):
-        own = self._sanitized.of_room(room)
+    def _try_sanitized(self, _, rooms):
+        own = self._sanitized.of_rooms(rooms)
         programs = own + [p for p in self._sanitized.of_elements() if p not in own]
         if not self._sanitized.compiles(programs): return "does not compile"
         return "survived" if _all_pass(programs, _SANITIZED_SECONDS) else "noticed by a sanitizer"
@@ -112,8 +112,8 @@ def main():
         for key in sorted(listed - {c.key() for c in changes}):
             print(f"no such change any more: {key}")
     print(f"{arguments.count} changes from seed {arguments.seed}", flush=True)
-    verdicts = try_all(in_random_order(changes, arguments.seed), arguments.count, listed,
-                       Judge(tree, arguments.room))
+    judge = Judge(tree, {room for path in {c.path for c in changes} for room in tree.rooms_of(path)})
+    verdicts = try_all(in_random_order(changes, arguments.seed), arguments.count, listed, judge)
     for change, verdict in verdicts.items():
         if verdict == "survived": print(f"{change.path}:{change.line}: {change.key()}")
     counts = collections.Counter(verdicts.values())

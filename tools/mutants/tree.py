@@ -37,3 +37,11 @@ class Tree:
         found = [p for p in (self.folder / "src").glob(f"{room}/**/*")
                  if p.suffix in (".cc", ".h") and "win32" not in p.name]
         return sorted(str(p.relative_to(self.folder)) for p in found)
+
+    def rooms_of(self, path):
+        """The rooms whose code a source is: its own, and those that include it when it is an -inl.h."""
+        rooms = {path.split("/")[1]}
+        if path.endswith("-inl.h"):
+            include = path.removeprefix("src/")
+            rooms |= {p.split("/")[1] for p in self.sources("*") if f'"{include}"' in self.read(p)}
+        return rooms
