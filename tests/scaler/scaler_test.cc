@@ -4,6 +4,7 @@
 
 #include <climits>
 #include <cstddef>
+#include <cstring>
 
 #include "scaler/frame_fixture.h"
 #include "scaler/scaler_plain.h"
@@ -107,6 +108,10 @@ TEST(ScalerSelect, ExactQuartersAreFiltered) {
   EXPECT_EQ(selected({1280, 720}, {320, 180}), &tiled_scaler);
 }
 
+TEST(ScalerSelect, ExactThirdsAreFiltered) {
+  EXPECT_EQ(selected({96, 48}, {32, 16}), &tiled_scaler);
+}
+
 TEST(ScalerSelect, RatioTwoOnOneAxisOnlyIsFiltered) {
   EXPECT_EQ(selected({640, 480}, {328, 240}), &tiled_scaler);
 }
@@ -200,6 +205,28 @@ TEST(ScalerProcess, WithTheNullImplementationLeavesTheDestination) {
   EXPECT_EQ(null_scaler.process(&scaler, &src.record(), &dst.record()), 0);
   scaler_process(&scaler, &src.record(), &dst.record());
   dst.expect(0, {});
+}
+
+// A record has room for four, whatever it says.
+TEST(ScalerProcess, ResamplesFourPlanesAtMost) {
+  nox::test::Random random(44);
+  GuardedFrame src, dst;
+  for (const int divisor : {1, 2, 2, 1}) {
+    src.add(nox::test::make_picture(64 / divisor, 48 / divisor, Content::kNoise, random), 0);
+    dst.add(32 / divisor, 24 / divisor, 0);
+  }
+  Scaler scaler = {};
+  ASSERT_EQ(scaler_select(&scaler, {64, 48}, {32, 24}), 1);
+  NoxVideoFrame five = src.record();
+  five.n_planes = 5;
+  scaler_process(&scaler, &five, &dst.record());
+  GuardedFrame expected;
+  for (const int divisor : {1, 2, 2, 1}) expected.add(32 / divisor, 24 / divisor, 0);
+  scaler_process(&scaler, &src.record(), &expected.record());
+  for (int p = 0; p < 4; ++p) {
+    const std::size_t bytes = p == 0 || p == 3 ? 32 * 24 : 16 * 12;
+    EXPECT_EQ(std::memcmp(dst.record().planes[p], expected.record().planes[p], bytes), 0) << p;
+  }
 }
 
 TEST(TiledTaps, TellsTheFilterLength) {
