@@ -18,10 +18,15 @@ _SECONDS = {True: 20, False: 120}
 _SANITIZED_SECONDS = {True: 60}
 
 
-def listed_changes():
-    """The changes judged to be without effect, by their keys."""
+def listed_keys():
+    """The keys of the changes judged to be without effect."""
     lines = [line for line in _LIST.read_text().splitlines() if line and line[0] != "#"]
     return {line.rsplit(" | ", 1)[0] for line in lines}
+
+
+def keys_of(change):
+    """By what a change may be listed: itself, or as every change to its line."""
+    return {change.key(), f"{change.path} | {change.text} | *"}
 
 
 def in_random_order(changes, seed):
@@ -90,7 +95,7 @@ def try_all(changes, count, listed, judge):
     with open(_FOLDER / "verdicts.txt", "w", buffering=1) as log:
         for change in changes:
             if len(verdicts) == count: break
-            verdict = "listed" if change.key() in listed else judge.plain_verdict(change)
+            verdict = "listed" if listed & keys_of(change) else judge.plain_verdict(change)
             log.write(f"{verdict}: {change.path}:{change.line}: {change.key()}\n")
             if verdict != "does not compile": verdicts[change] = verdict
         for change in [c for c, verdict in verdicts.items() if verdict == "survived"]:
@@ -107,9 +112,9 @@ def main():
     arguments = parser.parse_args()
     tree = Tree(_ROOT, _FOLDER / "tree")
     changes = [c for path in tree.sources(arguments.room) for c in changes_of(path, tree.read(path))]
-    listed = listed_changes()
+    listed = listed_keys()
     if arguments.room == "*":
-        for key in sorted(listed - {c.key() for c in changes}):
+        for key in sorted(listed.difference(*map(keys_of, changes))):
             print(f"no such change any more: {key}")
     print(f"{arguments.count} changes from seed {arguments.seed}", flush=True)
     judge = Judge(tree, {room for path in {c.path for c in changes} for room in tree.rooms_of(path)})
