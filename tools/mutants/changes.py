@@ -51,7 +51,8 @@ _UNARY_AT = re.compile(r"(?<=[(\[{ ])(?:-(?=[\w(])|!(?=[\w(*])|~(?=[\w(]))")
 _STEP_AT = re.compile(r"\+\+|--")
 _NUMBER_AT = re.compile(r"(?<![\w.])(?:0[xX][0-9a-fA-F']+|0[bB][01']+|\d[\d']*\.\d*(?:[eE][+-]?\d+)?"
                         r"|\d[\d']*)([uUlLfF]*)(?![\w.])")
-_WORD_AT = re.compile(r"\b(?:true|false)\b")
+_WORDS = {"true": "false", "false": "true", "TRUE": "FALSE", "FALSE": "TRUE"}
+_WORD_AT = re.compile(r"\b(?:" + "|".join(_WORDS) + r")\b")
 
 # A statement that is an expression, or leaves a block: behind the end of another one or a condition.
 _STATEMENT_AT = re.compile(
@@ -114,7 +115,7 @@ def changes_of(path, source):
         for new in _other_numbers(match.group(), match.group(1)):
             add(match.start(), match.group(), new)
     for match in _WORD_AT.finditer(code):
-        add(match.start(), match.group(), "false" if match.group() == "true" else "true")
+        add(match.start(), match.group(), _WORDS[match.group()])
     for pattern in (_STATEMENT_AT, _RETURN_AT):
         for match in pattern.finditer(code):
             statement = match.group(1)
