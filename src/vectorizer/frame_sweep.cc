@@ -138,7 +138,7 @@ void FrameSweep::for_each_band(const NoxVideoFrame &in, MaskCounters &in_all, Ma
     in_any.step(y, lasting);
     draw(y, lasting);
     std::memmove(edges_.data, edges_.row(rows),
-                 2 * kClosingReach * edges_.pitch * sizeof(std::uint64_t));
+                 2 * edges_.pitch * kClosingReach * sizeof(std::uint64_t));
   }
 }
 
