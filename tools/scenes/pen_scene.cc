@@ -40,10 +40,9 @@ PenTruth PenScene::truth(std::uint32_t index) {
           {0.53F + 0.20F * std::sin(0.9F * t), 0.48F + 0.26F * std::sin(1.3F * t + 0.6F)}};
 }
 
-void PenScene::draw(std::uint32_t index) {
+void PenScene::draw(std::uint32_t index, const PenTruth &pen) {
   canvas_ = desk_;
   canvas_.expose(ambient_light(index));
-  const PenTruth pen = truth(index);
   if (!pen.visible) return;
   const auto width = static_cast<float>(canvas_.width());
   const Point at{pen.at.x * width, pen.at.y * static_cast<float>(canvas_.height())};

@@ -26,7 +26,8 @@ class PenScene {
   static PenTruth truth(std::uint32_t index);
 
   // Draws frame `index` without the camera's blur and noise, and then as the camera sees it.
-  void draw(std::uint32_t index);
+  void draw(std::uint32_t index) { draw(index, truth(index)); }
+  void draw(std::uint32_t index, const PenTruth &pen);  // the same with the pen elsewhere
   void render(std::uint32_t index, NoxVideoFrame *frame);
 
   Canvas &canvas() { return canvas_; }

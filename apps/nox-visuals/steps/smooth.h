@@ -11,7 +11,7 @@ namespace nox::app {
 
 // For speeds in widths a second, at 30 to 60 frames a second. docs/pen-tracking.md has the
 // measurement that chose them.
-inline constexpr OneEuroConstants kSmoothing{2.0, 60.0, 4.0};
+inline constexpr OneEuroConstants kSmoothing{1.0, 120.0, 8.0};
 
 // Both axes are filtered each for itself, in widths of the surface. A pen that was lost starts
 // anew; presses and releases do not, since the pen does not jump there.
