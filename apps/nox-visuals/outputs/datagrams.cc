@@ -51,6 +51,12 @@ void Datagrams::send(const std::string &datagram) {
   }
 }
 
+void Datagrams::check() {
+  int error = 0;
+  socklen_t size = sizeof error;
+  if (getsockopt(socket_, SOL_SOCKET, SO_ERROR, &error, &size) == 0 && error != 0) fail(error);
+}
+
 void Datagrams::fail(int error) {
   ++undelivered_;
   if (undelivered_ > 1) return;

@@ -21,6 +21,9 @@ class Datagrams {
   // Never waits.
   void send(const std::string &datagram);
 
+  // Counts a refusal that has come since the last datagram.
+  void check();
+
   // What the system refused, and what the other machine sent back because nobody listened. What the
   // network loses on its way, nobody learns.
   std::uint64_t undelivered() const { return undelivered_; }

@@ -17,6 +17,7 @@ class Osc : public Output {
   Osc(const Address &to, const std::string &stream, Say say);
 
   void take(const Observation &observation) override;
+  void drain() override { datagrams_.check(); }
   std::uint64_t undelivered() const override { return datagrams_.undelivered(); }
 
  private:

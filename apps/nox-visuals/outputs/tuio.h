@@ -24,6 +24,7 @@ class Tuio : public Output {
 
   void take(const Observation &observation) override;
   void tick(std::int64_t now_ns, const Totals &totals) override;
+  void drain() override { datagrams_.check(); }
   std::uint64_t undelivered() const override { return datagrams_.undelivered(); }
 
  private:
