@@ -173,7 +173,7 @@ int main() {
     for (const double beta : {10.0, 30.0, 60.0, 120.0}) {
       for (const double derivative_cutoff : {1.0, 4.0, 8.0}) {
         const OneEuroConstants constants{min_cutoff, beta, derivative_cutoff};
-        char name[32];
+        char name[64];
         std::snprintf(name, sizeof name, "%g, %g, %g", min_cutoff, beta, derivative_cutoff);
         print_row(name, at, &constants);
       }
