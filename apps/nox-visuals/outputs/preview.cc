@@ -16,7 +16,7 @@ namespace nox::app {
 namespace {
 
 constexpr const char *kOverlay = "cairooverlay name=ring ! videoconvert ! ";
-constexpr double kRadius = 0.02;  // of the picture's width
+constexpr double kRadius = 0.045;  // of the picture's width: outside of the glow
 constexpr double kLine = 0.004;
 
 struct Size {
