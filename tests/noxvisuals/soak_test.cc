@@ -30,7 +30,7 @@ constexpr int kWarmUp = 5;  // of the measurements
 // What may come and go: the blocks that the tracker keeps from frame to frame, up to a limit of
 // their own; the pages around what is in use; GLib's threads that wait for work.
 constexpr long kHeapSlackKib = 2048;
-constexpr long kResidentSlackKib = 4096;
+constexpr long kResidentSlackKib = 8192;
 constexpr long kThreadSlack = 2;
 
 constexpr int kBatch = 8;  // frames under way at once
