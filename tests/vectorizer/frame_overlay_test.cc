@@ -85,8 +85,14 @@ TEST_P(BlendRows, TouchNothingBehindTheRow) {
 }
 
 TEST(BlendRow, LengthBelowOneDoesNothing) {
-  blend_row_luma(nullptr, nullptr, nullptr, 0);
-  blend_row_chroma(nullptr, nullptr, nullptr, -1);
+  std::uint8_t dst = 1;
+  const std::uint8_t src = 2;
+  constexpr std::uint8_t kAlphas[2] = {64, 64};
+  for (const std::int32_t n : {0, -1}) {
+    blend_row_luma(&dst, &src, kAlphas, n);
+    blend_row_chroma(&dst, &src, kAlphas, n);
+    EXPECT_EQ(dst, 1) << n;
+  }
 }
 
 // Two pictures of one size and a plain twin of the destination.

@@ -289,7 +289,7 @@ TEST(Vectorizer, FrameWithoutPixelsDoesNothing) {
 }
 
 TEST(Vectorizer, FreeAcceptsNull) {
-  vectorizer_free(nullptr);
+  EXPECT_NO_FATAL_FAILURE(vectorizer_free(nullptr));
 }
 
 TEST(Vectorizer, TakesAnotherSizeOnEveryFrame) {
