@@ -36,7 +36,9 @@ class MinTrees {
     float *const heap = nodes_.data() + tree.nodes;
     std::int32_t node = tree.leaves + position;
     heap[node] = number;
-    for (node /= 2; node > 0; node /= 2) heap[node] = std::min(heap[2 * node], heap[2 * node + 1]);
+    for (node /= 2; node > 0; node /= 2) {
+      heap[node] = std::min(heap[2 * at(node)], heap[2 * at(node) + 1]);
+    }
   }
 
   float least(Tree tree) const { return nodes_[at(tree.nodes + 1)]; }
@@ -45,7 +47,7 @@ class MinTrees {
   std::int32_t first_below(Tree tree, float bound) const {
     const float *const heap = nodes_.data() + tree.nodes;
     std::int32_t node = 1;
-    while (node < tree.leaves) node = 2 * node + (heap[2 * node] < bound ? 0 : 1);
+    while (node < tree.leaves) node = 2 * node + (heap[2 * at(node)] < bound ? 0 : 1);
     return node - tree.leaves;
   }
 
