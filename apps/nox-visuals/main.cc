@@ -25,6 +25,8 @@ using nox::app::say;
 constexpr AddCommand kCommands[] = {
     nox::app::add_track,
     nox::app::add_scan,
+    nox::app::add_vectorize,
+    nox::app::add_devices,
     nox::app::add_doctor,
 };
 

@@ -16,9 +16,11 @@ using Action = std::function<int()>;
 // `chosen` becomes what it does.
 using AddCommand = void (*)(CLI::App *program, Action *chosen);
 
+void add_devices(CLI::App *program, Action *chosen);
 void add_doctor(CLI::App *program, Action *chosen);
 void add_scan(CLI::App *program, Action *chosen);
 void add_track(CLI::App *program, Action *chosen);
+void add_vectorize(CLI::App *program, Action *chosen);
 
 }  // namespace nox::app
 
