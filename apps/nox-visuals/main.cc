@@ -28,6 +28,7 @@ constexpr AddCommand kCommands[] = {
     nox::app::add_vectorize,
     nox::app::add_devices,
     nox::app::add_doctor,
+    nox::app::add_demo,
 };
 
 // What the command line asks for; nothing when that was said already, with its status in `status`.

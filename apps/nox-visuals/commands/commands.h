@@ -17,6 +17,7 @@ using Action = std::function<int()>;
 using AddCommand = void (*)(CLI::App *program, Action *chosen);
 
 void add_devices(CLI::App *program, Action *chosen);
+void add_demo(CLI::App *program, Action *chosen);
 void add_doctor(CLI::App *program, Action *chosen);
 void add_scan(CLI::App *program, Action *chosen);
 void add_track(CLI::App *program, Action *chosen);

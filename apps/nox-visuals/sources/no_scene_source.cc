@@ -4,8 +4,8 @@
 
 namespace nox::app {
 
-GstElement *make_scene_bin(const std::string &scene, std::uint64_t /*frames*/) {
-  throw StreamError("test:" + scene +
+GstElement *make_scene_bin(const Scene &scene) {
+  throw StreamError("test:" + scene.name +
                     ": this program was built without the scenes (libqrencode and libpng)");
 }
 

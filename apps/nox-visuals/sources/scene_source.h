@@ -9,10 +9,17 @@
 
 namespace nox::app {
 
-// A bin with one pad "src" that brings `frames` frames (0: without end) of the scene pen, qr or
-// edges, 30 a second of the clock. Throws StreamError for any other name, and where the program was
-// built without the scenes.
-GstElement *make_scene_bin(const std::string &scene, std::uint64_t frames);
+struct Scene {
+  std::string name;          // pen, qr or edges
+  std::uint64_t frames = 0;  // 0: without end
+  int width = 640;           // a multiple of 8; the height is even
+  int height = 360;
+  bool live = true;  // 30 frames a second of the clock, or as fast as they are taken
+};
+
+// A bin with one pad "src" that brings the frames, 30 a second by their time stamps. Throws
+// StreamError for a name that is none, and where the program was built without the scenes.
+GstElement *make_scene_bin(const Scene &scene);
 
 }  // namespace nox::app
 

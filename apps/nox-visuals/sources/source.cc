@@ -79,7 +79,7 @@ GstElement *make_source_bin(const Source &source) {
     case SourceKind::kCamera:
       return make_camera_bin(source.place);
     case SourceKind::kScene:
-      return make_scene_bin(source.place, source.frames);
+      return make_scene_bin({source.place, source.frames});
     case SourceKind::kDescription:
       return make_described_bin(source.place);
   }

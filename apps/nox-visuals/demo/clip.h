@@ -1,0 +1,32 @@
+// Clips of the generated scenes, and pipelines that run to their end.
+#ifndef NOX_VISUALS_DEMO_CLIP_H_
+#define NOX_VISUALS_DEMO_CLIP_H_
+
+#include <gst/gst.h>
+
+#include <string>
+
+#include "nox-visuals/gst_pointers.h"
+#include "nox-visuals/sources/scene_source.h"
+
+namespace nox::app::demo {
+
+// Of a launch description. Throws StreamError.
+GstPointer<GstElement> parse_pipeline(const std::string &description);
+
+// The same behind a bin, whose pad "src" is linked to the element `first` of the description.
+GstPointer<GstElement> parse_pipeline_behind(GstElement *bin, const std::string &description,
+                                             const char *first);
+
+// Runs it until its end. Throws StreamError.
+void run_to_end(GstElement *pipeline);
+
+// Encodes the frames of a scene into a WebM file. Throws StreamError.
+void write_clip(Scene scene, const std::string &path);
+
+// Writes the first frame of a video as a PNG file. Throws StreamError.
+void write_first_frame(const std::string &clip, const std::string &path);
+
+}  // namespace nox::app::demo
+
+#endif  // NOX_VISUALS_DEMO_CLIP_H_
