@@ -31,13 +31,13 @@ inline PlaneExtent plane_extent(const NoxVideoFrame &frame, int p) {
   return plane_extent(frame.strides[p], frame.plane_widths[p], frame.plane_heights[p]);
 }
 
-// How many of the `count` bytes from sample (x, y) of plane `p` on the plane owns. Neither x nor y
-// is below 0.
+// How many of the `count` bytes from sample (x, y) of plane `p` on the plane owns: none of a row
+// that begins in front of it. Neither x nor y is below 0.
 inline std::int64_t samples_in_plane(const NoxVideoFrame &frame, int p, std::int64_t x,
                                      std::int64_t y, std::int64_t count) {
   const PlaneExtent extent = plane_extent(frame, p);
-  const std::int64_t at = y * frame.strides[p] + x;
-  return at < extent.begin ? 0 : std::clamp<std::int64_t>(extent.end - at, 0, count);
+  const std::int64_t row = y * frame.strides[p];
+  return row < extent.begin ? 0 : std::clamp<std::int64_t>(extent.end - (row + x), 0, count);
 }
 
 // Sample (x, y) of plane `p`.
