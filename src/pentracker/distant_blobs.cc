@@ -92,7 +92,10 @@ void DistantBlobs::note(std::int32_t index, float score) {
 void DistantBlobs::update(Class *blobs) {
   const std::size_t row = at(blobs->row);
   table_.taken[row] = trees_.least(blobs->taken);
-  if (table_.taken[row] != kClosed) return;
+  if (table_.taken[row] != kClosed) {
+    table_.index[row] = members_[at(blobs->first + trees_.first_below(blobs->taken, kClosed))];
+    return;
+  }
   open_placeless_ -= table_.least[row] == 1.0F ? 1 : 0;
   blobs->row = kNone;
   ++left_;
@@ -118,20 +121,41 @@ float DistantBlobs::highest(const BlobShape &shape) const {
   return position * highest_score(shape.count, shape.inverse_count);
 }
 
-// No member of a class comes before its first one, so what a walk has come to there is a bound for
-// the whole class; and as rows are in the order of first members, it only rises.
+// Of the class in this row, the first member that is not taken for so much.
+void DistantBlobs::add_link(std::int32_t row, float score, RisingLinks *links) const {
+  const Class &blobs = classes_[at(class_in_[at(row)])];
+  const std::int32_t member = trees_.first_below(blobs.taken, score);
+  links->add({members_[at(blobs.first + member)], score});
+}
+
+// The blobs of the very shape score highest, and most often leave nothing to the others.
+void DistantBlobs::add_alike(const BlobShape &shape, RisingLinks *links) const {
+  const auto whole = [](float size) { return static_cast<std::int32_t>(size); };
+  for (const bool has_place : {false, true}) {
+    const auto entry = class_of_key_.find(
+        {whole(shape.count), whole(shape.width), whole(shape.height), has_place});
+    if (entry == class_of_key_.end()) continue;
+    const std::int32_t row = classes_[at(entry->second)].row;
+    if (row == kNone) continue;
+    const float score =
+        shape_score(table_.least[at(row)], shape.count, shape.width, shape.height, shape);
+    if (score > table_.taken[at(row)]) add_link(row, score, links);
+  }
+}
+
+// What a walk has come to at the first member of a class that has not left is a bound for the whole
+// class. Rows stay in the order of the first members, those that have left included: once nothing
+// can score higher behind one of these, nothing can in the rows that follow.
 void DistantBlobs::add_links(const LinkQuery &query, RisingLinks *links) {
   tidy();
+  add_alike(query.shape, links);
   const float enough = highest(query.shape);
   for (std::int32_t row = 0; row < table_.size; ++row) {
-    const float best = links->best_up_to(table_.index[at(row)]);
-    if (best >= enough) return;
-    const LinkCandidate next = next_distant(table_, query, row, best);
+    const std::int32_t first = members_[at(classes_[at(class_in_[at(row)])].first)];
+    if (links->best_up_to(first) >= enough) return;
+    const LinkCandidate next = next_distant(table_, query, row, links->links());
     row = next.index;
-    if (row == table_.size) return;
-    const Class &blobs = classes_[at(class_in_[at(row)])];
-    const std::int32_t member = trees_.first_below(blobs.taken, next.score);
-    links->add({members_[at(blobs.first + member)], next.score});
+    if (row < table_.size) add_link(row, next.score, links);
   }
 }
 

@@ -51,6 +51,8 @@ class DistantBlobs {
   void note(std::int32_t index, float score);
   void update(Class *blobs);
   void tidy();
+  void add_link(std::int32_t row, float score, RisingLinks *links) const;
+  void add_alike(const BlobShape &shape, RisingLinks *links) const;
   float highest(const BlobShape &shape) const;
 
   std::unordered_map<Key, std::int32_t, Hash> class_of_key_;
@@ -59,7 +61,7 @@ class DistantBlobs {
   std::vector<std::int32_t> rank_;      // of each blob among the members of its class
   std::vector<std::int32_t> members_;   // class by class, each in list order
   MinTrees trees_;
-  LinkColumns table_;                   // a row a class, whose index is that of its first member
+  LinkColumns table_;  // a row a class; its index: of the first member that has not left
   std::vector<std::int32_t> class_in_;  // each row of the table
   std::int32_t left_ = 0;               // rows of classes that have left
   std::int32_t open_placeless_ = 0;     // classes without an expected place that have not

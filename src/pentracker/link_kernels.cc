@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstring>
+#include <span>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pentracker/link_kernels.cc"
@@ -158,14 +159,29 @@ void WalkAll(const LinkColumns &columns, const LinkQuery &query, std::int32_t li
   *result = walk;
 }
 
+// For each row the score that a walk has come to at its index.
+HWY_INLINE FloatVector passed_scores(const LinkColumns &columns, std::size_t i,
+                                     std::span<const LinkCandidate> passed) {
+  const Floats d;
+  const hn::RebindToSigned<Floats> indices;
+  const auto index = hn::LoadU(indices, &columns.index[i]);
+  FloatVector scores = hn::Zero(d);
+  for (const LinkCandidate &link : passed) {
+    const auto is_before = hn::Lt(index, hn::Set(indices, link.index));
+    scores = hn::IfThenElse(hn::RebindMask(d, is_before), scores, hn::Set(d, link.score));
+  }
+  return scores;
+}
+
 LinkCandidate NextDistant(const LinkColumns &columns, const LinkQuery &query, std::int32_t row,
-                          float above) {
+                          std::span<const LinkCandidate> passed_links) {
   const Floats d;
   for (; row < columns.size; row += static_cast<std::int32_t>(hn::Lanes(d))) {
     const auto i = static_cast<std::size_t>(row);
     const FloatVector least = hn::LoadU(d, &columns.least[i]);
     const FloatVector bound = hn::Mul(least, likeness(columns, i, query.shape));
-    const FloatVector passed = hn::Max(hn::LoadU(d, &columns.taken[i]), hn::Set(d, above));
+    const FloatVector passed =
+        hn::Max(hn::LoadU(d, &columns.taken[i]), passed_scores(columns, i, passed_links));
     if (hn::AllFalse(d, hn::Gt(bound, passed))) continue;
     const FloatVector scores = exact_scores(columns, i, query.shape, least);
     const std::intptr_t lane = hn::FindFirstTrue(d, hn::Gt(scores, passed));
@@ -199,8 +215,8 @@ void walk_all(const LinkColumns &columns, const LinkQuery &query, std::int32_t l
 }
 
 LinkCandidate next_distant(const LinkColumns &columns, const LinkQuery &query, std::int32_t row,
-                           float above) {
-  return HWY_DYNAMIC_DISPATCH(NextDistant)(columns, query, row, above);
+                           std::span<const LinkCandidate> passed) {
+  return HWY_DYNAMIC_DISPATCH(NextDistant)(columns, query, row, passed);
 }
 
 }  // namespace nox::pentracker

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "pentracker/link_columns.h"
 
@@ -38,10 +39,11 @@ struct LinkWalk {
 void walk_all(const LinkColumns &columns, const LinkQuery &query, std::int32_t limit, float enough,
               LinkWalk *walk);
 
-// The first row from `row` on that, as a distant blob, scores above `above` and above what it is
-// taken for, with its exact score; the table's size and 0 if there is none.
+// The first row from `row` on that, as a distant blob, scores above what it is taken for and above
+// all of `passed` whose indices its own is not below; with its exact score. The table's size and 0
+// if there is none. The links that are passed rise in index and score.
 LinkCandidate next_distant(const LinkColumns &columns, const LinkQuery &query, std::int32_t row,
-                           float above);
+                           std::span<const LinkCandidate> passed);
 
 }  // namespace nox::pentracker
 

@@ -113,7 +113,8 @@ TEST_P(LinkKernelsTest, WalkAllTakesWhatAWalkOneByOneTakes) {
   });
 }
 
-// Where no blob is near, the first one that a walk takes is the next distant one.
+// Where no blob is near, the first one that a walk takes is the next distant one: of the rows
+// before the passed one, of which nothing is asked, or else of the others.
 TEST_P(LinkKernelsTest, NextDistantIsTheFirstThatAWalkOneByOneTakes) {
   for_many([](const Table &near_table, const LinkQuery &query, LinkRows rows, float best) {
     Table table = near_table;
@@ -121,10 +122,12 @@ TEST_P(LinkKernelsTest, NextDistantIsTheFirstThatAWalkOneByOneTakes) {
       table.blobs[Table::at(i)].predicted_x += 200.0F;
       table.columns.put(i, i, table.blobs[Table::at(i)]);
     }
-    const std::vector<LinkCandidate> plain =
-        plain_walk(table, query, {rows.begin, table.columns.size}, best);
-    const LinkCandidate next = pentracker::next_distant(table.columns, query, rows.begin, best);
-    EXPECT_EQ(next.index, plain.empty() ? table.columns.size : plain.front().index);
+    const std::int32_t end = table.columns.size;
+    std::vector<LinkCandidate> plain = plain_walk(table, query, rows, 0.0F);
+    if (plain.empty()) plain = plain_walk(table, query, {rows.end, end}, best);
+    const LinkCandidate passed[] = {{rows.end, 0.5F * best}, {rows.end, best}};
+    const LinkCandidate next = pentracker::next_distant(table.columns, query, rows.begin, passed);
+    EXPECT_EQ(next.index, plain.empty() ? end : plain.front().index);
     EXPECT_EQ(next.score, plain.empty() ? 0.0F : plain.front().score);
   });
 }
