@@ -23,12 +23,8 @@ using nox::app::say;
 
 // In the order of --help.
 constexpr AddCommand kCommands[] = {
-    nox::app::add_track,
-    nox::app::add_scan,
-    nox::app::add_vectorize,
-    nox::app::add_devices,
-    nox::app::add_doctor,
-    nox::app::add_demo,
+    nox::app::add_track,   nox::app::add_scan,   nox::app::add_vectorize,
+    nox::app::add_devices, nox::app::add_doctor, nox::app::add_demo,
 };
 
 // What the command line asks for; nothing when that was said already, with its status in `status`.
