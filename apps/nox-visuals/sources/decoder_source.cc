@@ -29,7 +29,8 @@ gboolean wants_decoding(GstElement * /*decoder*/, GstPad * /*pad*/, GstCaps *cap
 
 // The decoder's pads come while it runs: the first with video is the bin's.
 void link_video(GstElement * /*decoder*/, GstPad *pad, gpointer ghost) {
-  if (gst_ghost_pad_get_target(GST_GHOST_PAD(ghost)) != nullptr) return;
+  const GstPointer<GstPad> target(gst_ghost_pad_get_target(GST_GHOST_PAD(ghost)));
+  if (target != nullptr) return;
   const GstPointer<GstCaps> caps(gst_pad_query_caps(pad, nullptr));
   if (has_prefix(caps.get(), "video/x-raw")) gst_ghost_pad_set_target(GST_GHOST_PAD(ghost), pad);
 }

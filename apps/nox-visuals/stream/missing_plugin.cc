@@ -76,4 +76,16 @@ std::string missing_plugin(GstMessage *message) {
   return package.empty() ? what : what + "; install " + package;
 }
 
+std::string parse_error(GError *error) {
+  const bool missing =
+      g_error_matches(error, GST_PARSE_ERROR, GST_PARSE_ERROR_NO_SUCH_ELEMENT) != FALSE;
+  const std::string why = take_error(error);
+  if (!missing) return why;
+  // no element "vp8enc"
+  const auto begin = why.find('"') + 1;
+  const std::string element = why.substr(begin, why.rfind('"') - begin);
+  const std::string package = debian_package("element-" + element);
+  return "GStreamer lacks the element " + element + (package.empty() ? "" : "; install " + package);
+}
+
 }  // namespace nox::app

@@ -1,6 +1,7 @@
 #include "nox-visuals/stream/pipeline.h"
 
 #include "nox-visuals/errors.h"
+#include "nox-visuals/stream/missing_plugin.h"
 #include "nox-visuals/stream/video_guard.h"
 
 namespace nox::app {
@@ -18,7 +19,7 @@ GstPointer<GstElement> make_pipeline(const Source &source, const std::string &ta
   GError *error = nullptr;
   GstElement *parsed =
       gst_parse_launch_full((kHead + tail).c_str(), nullptr, GST_PARSE_FLAG_FATAL_ERRORS, &error);
-  if (parsed == nullptr) throw StreamError(take_error(error));
+  if (parsed == nullptr) throw StreamError(parse_error(error));
   GstPointer<GstElement> pipeline(GST_ELEMENT(gst_object_ref_sink(parsed)));
   const GstPointer<GstElement> convert(gst_bin_get_by_name(GST_BIN(pipeline.get()), "convert"));
   guard_video(convert.get());

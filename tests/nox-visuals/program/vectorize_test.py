@@ -54,6 +54,21 @@ class Vectorize(unittest.TestCase):
         self.assertEqual(len(luma_of(self.path("drawing.mkv"))), 12)
         self.assertEqual([it for it in os.listdir(self.folder.name) if it.startswith(".")], [])
 
+    def test_a_missing_encoder_is_named_with_its_package(self):
+        plugins = self.path("plugins")
+        os.mkdir(plugins)
+        system = subprocess.run(["pkg-config", "--variable=pluginsdir", "gstreamer-1.0"],
+                                check=True, capture_output=True, text=True).stdout.strip()
+        for name in os.listdir(system):
+            if name.endswith(".so") and "vpx" not in name:
+                os.symlink(os.path.join(system, name), os.path.join(plugins, name))
+        environment = {**os.environ, "GST_PLUGIN_SYSTEM_PATH": plugins,
+                       "GST_REGISTRY": self.path("registry.bin")}
+        _, said = nox.run("vectorize", "test:edges", "--frames", "3", "--output", self.path("none.webm"),
+                          status=1, env=environment)
+        self.assertIn("lacks the element vp8enc; install gstreamer1.0-plugins-good", said)
+        self.assertFalse(os.path.exists(self.path("none.webm")))
+
     def test_preview_and_file_together(self):
         lines, _ = nox.run("vectorize", self.clip, "--output", self.path("both.webm"), "--preview=fakesink")
         self.assertEqual(lines[0]["frames"], 12)
