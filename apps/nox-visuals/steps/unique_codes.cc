@@ -5,13 +5,8 @@
 #include <utility>
 
 namespace nox::app {
-namespace {
 
-constexpr std::size_t kForgetAtLeast = 1000;
-
-}  // namespace
-
-UniqueCodes::UniqueCodes(std::optional<double> seconds) : forget_at_(kForgetAtLeast) {
+UniqueCodes::UniqueCodes(std::optional<double> seconds) {
   if (seconds) pause_ns_ = std::llround(*seconds * 1e9);
 }
 
@@ -22,18 +17,29 @@ void UniqueCodes::take(const Observation &in, std::vector<Observation> *out) {
 
 bool UniqueCodes::is_new(const Code &code) {
   const std::int64_t now = stream_ns(code.when);
-  forget_old(now);
-  const auto [entry, is_first] = seen_ns_.try_emplace(code.bytes, now);
+  const auto known = by_bytes_.find(code.bytes);
+  if (known == by_bytes_.end()) {
+    seen_.push_front({code.bytes, now});
+    by_bytes_.emplace(seen_.front().bytes, seen_.begin());
+    forget_oldest(now);
+    return true;
+  }
+  const auto entry = known->second;
+  seen_.splice(seen_.begin(), seen_, entry);
   // A slow reader tells of a frame that is older than the newest one.
-  const std::int64_t before = std::exchange(entry->second, std::max(entry->second, now));
-  return is_first || (pause_ns_ && now - before >= *pause_ns_);
+  const std::int64_t before = std::exchange(entry->last_ns, std::max(entry->last_ns, now));
+  return pause_ns_ && now - before >= *pause_ns_;
 }
 
-// Memory follows the codes of a pause, not those of a day.
-void UniqueCodes::forget_old(std::int64_t now_ns) {
-  if (!pause_ns_ || seen_ns_.size() < forget_at_) return;
-  std::erase_if(seen_ns_, [&](const auto &entry) { return now_ns - entry.second >= *pause_ns_; });
-  forget_at_ = std::max(kForgetAtLeast, 2 * seen_ns_.size());
+void UniqueCodes::forget_oldest(std::int64_t now_ns) {
+  const auto is_over = [&] {
+    return seen_.size() > kRememberedCodes ||
+           (pause_ns_ && now_ns - seen_.back().last_ns >= *pause_ns_);
+  };
+  while (!seen_.empty() && is_over()) {
+    by_bytes_.erase(seen_.back().bytes);
+    seen_.pop_back();
+  }
 }
 
 }  // namespace nox::app

@@ -4,8 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <list>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -13,7 +15,11 @@
 
 namespace nox::app {
 
-// Codes with the same bytes are one code here, wherever they are in the picture.
+// So many payloads are remembered: 30 MB of the longest ones.
+inline constexpr std::size_t kRememberedCodes = 10'000;
+
+// Codes with the same bytes are one code here, wherever they are in the picture. Of more payloads
+// than are remembered, those that have not been seen for the longest are forgotten, and said again.
 class UniqueCodes : public Step {
  public:
   // A code that has not been seen for `seconds` is said again; without them, never.
@@ -22,12 +28,17 @@ class UniqueCodes : public Step {
   void take(const Observation &in, std::vector<Observation> *out) override;
 
  private:
+  struct Seen {
+    std::string bytes;
+    std::int64_t last_ns;
+  };
+
   bool is_new(const Code &code);
-  void forget_old(std::int64_t now_ns);
+  void forget_oldest(std::int64_t now_ns);
 
   std::optional<std::int64_t> pause_ns_;
-  std::unordered_map<std::string, std::int64_t> seen_ns_;  // when each payload was seen last
-  std::size_t forget_at_;                                  // the size at which to look for old ones
+  std::list<Seen> seen_;  // the one that was seen last is the first
+  std::unordered_map<std::string_view, std::list<Seen>::iterator> by_bytes_;
 };
 
 }  // namespace nox::app

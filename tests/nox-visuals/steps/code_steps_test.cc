@@ -84,6 +84,20 @@ TEST(UniqueCodes, KeepTheirMindOverManyPayloads) {
   }
 }
 
+TEST(UniqueCodes, ForgetThePayloadThatWasAwayTheLongest) {
+  UniqueCodes step(std::nullopt);
+  const auto is_said = [&step](std::size_t number) {
+    return passed(&step, {code_at(0, std::to_string(number))}).size() == 1;
+  };
+  for (std::size_t i = 0; i < app::kRememberedCodes; ++i) EXPECT_TRUE(is_said(i));
+  EXPECT_FALSE(is_said(0));
+  // One more than can be remembered: 1 goes, which is the oldest now.
+  EXPECT_TRUE(is_said(app::kRememberedCodes));
+  EXPECT_FALSE(is_said(0));
+  EXPECT_FALSE(is_said(2));
+  EXPECT_TRUE(is_said(1));
+}
+
 TEST(FirstCode, PassesAloneAndAsksForTheEndOnce) {
   int stops = 0;
   FirstCode step([&stops] { ++stops; });
