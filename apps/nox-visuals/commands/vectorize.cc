@@ -39,7 +39,16 @@ std::string muxer(const std::string &output) {
 }
 
 std::string file_branch(const std::string &output, int descriptor) {
-  return kEncoder + muxer(output) + " ! fdsink fd=" + std::to_string(descriptor);
+  return kEncoder + muxer(output) + " ! fdsink name=" + kFileSink +
+         " fd=" + std::to_string(descriptor);
+}
+
+// The drawing would take the place of what was drawn.
+void demand_other_file(const Source &source, const std::string &output) {
+  std::error_code none;  // of a file that is not there yet
+  if (std::filesystem::equivalent(file_path(source), output, none)) {
+    throw UsageError("--output " + output + ": is the source itself");
+  }
 }
 
 std::string preview_branch(const std::string &sink) {
@@ -65,8 +74,12 @@ int vectorize(const VectorizeOptions &options) {
   // A file holds one stream, from its beginning to its end.
   if (options.output.empty()) plan.retry = options.source.retry;
   std::optional<WholeFile> file;
-  if (!options.output.empty()) file.emplace(options.output);
+  if (!options.output.empty()) {
+    demand_other_file(plan.source, options.output);
+    file.emplace(options.output);
+  }
   plan.tail = tail(options, file);
+  plan.file = options.output;
   Chain chain;
   FrameCounter counter("drawing", chain.counts());
   const int status = chain.run(std::move(plan), &counter, {}, [&options](bool live) {

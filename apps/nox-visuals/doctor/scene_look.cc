@@ -154,7 +154,7 @@ SceneLook look_at_scene(const Source &source, const std::string &word) {
   try {
     stream.open(std::move(plan));
     late = g_timeout_add(kPatienceMs, stop_late, &stream);
-    look.failure = stream.run();
+    look.failure = stream.run().why;
   } catch (const StreamError &error) {
     look.failure = error.what();
   }

@@ -1,7 +1,5 @@
 #include "nox-visuals/sources/source.h"
 
-#include <filesystem>
-
 #include "nox-visuals/errors.h"
 #include "nox-visuals/gst_pointers.h"
 #include "nox-visuals/sources/decoder_source.h"
@@ -64,6 +62,12 @@ Source parse_source(const std::string &word, std::uint64_t frames) {
   }
   if (gst_uri_is_valid(word.c_str()) != FALSE) return {SourceKind::kAddress, word, 0};
   return parse_path(word);
+}
+
+std::filesystem::path file_path(const Source &source) {
+  if (source.kind == SourceKind::kFile) return source.place;
+  if (source.kind != SourceKind::kAddress) return {};
+  return take_string(g_filename_from_uri(source.place.c_str(), nullptr, nullptr));
 }
 
 bool comes_back(const Source &source, bool live) {

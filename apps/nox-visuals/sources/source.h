@@ -5,6 +5,7 @@
 #include <gst/gst.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 
 namespace nox::app {
@@ -26,6 +27,9 @@ struct Source {
 // What `word` means. A word that means nothing, and a file or camera that is not there, throw
 // StreamError.
 Source parse_source(const std::string &word, std::uint64_t frames);
+
+// The path of the file behind it; empty where there is none.
+std::filesystem::path file_path(const Source &source);
 
 // Whether it may go and come back, as cameras and live streams of a network do; `live` is what the
 // pipeline found out.

@@ -4,6 +4,7 @@
 
 #include "nox-visuals/errors.h"
 #include "nox-visuals/gst_pointers.h"
+#include "nox-visuals/outputs/output_error.h"
 
 namespace nox::app {
 
@@ -27,10 +28,11 @@ int Chain::run(StreamPlan plan, Observer *observer, std::vector<std::unique_ptr<
   }
   Delivery delivery(&queue_, std::move(steps), open_outputs(stream.live()), &counts_,
                     [this] { stop(); });
-  const std::string failure = stream.run();
+  const Failure failure = stream.run();
   observer->finish();
   delivery.finish(observer->now());
-  if (!failure.empty()) throw StreamError(failure);
+  if (failure.of_output) throw OutputError(failure.why);
+  if (!failure.why.empty()) throw StreamError(failure.why);
   return delivery.output_broken() ? kOutputFailed : kDone;
 }
 

@@ -22,7 +22,11 @@ constexpr const char *kLibav = "gstreamer1.0-libav";
 constexpr Package kPackages[] = {
     {"element-x264enc", kUgly},
     {"encoder-video/x-h264", kUgly},
-    {"element-gtk", kGood},
+    {"element-gtk", "gstreamer1.0-gtk3"},
+    {"element-glimagesink", "gstreamer1.0-gl"},
+    {"element-waylandsink", kBad},
+    {"element-ximagesink", "gstreamer1.0-x"},
+    {"element-xvimagesink", "gstreamer1.0-x"},
     {"element-v4l2src", kGood},
     {"element-vp8", kGood},
     {"element-vp9", kGood},

@@ -25,20 +25,11 @@ GstPointer<GstElement> make_pipeline(const Source &source, const std::string &ta
   guard_video(convert.get());
   GstElement *bin = make_source_bin(source);
   gst_bin_add(GST_BIN(pipeline.get()), bin);
-  const GstPointer<GstElement> queue(gst_bin_get_by_name(GST_BIN(pipeline.get()), "arrivals"));
+  const GstPointer<GstElement> queue(gst_bin_get_by_name(GST_BIN(pipeline.get()), kArrivals));
   if (gst_element_link(bin, queue.get()) == FALSE) {
     throw StreamError("the source brings no raw video");
   }
   return pipeline;
-}
-
-void keep_newest_only(GstElement *pipeline, void (*dropped)(GstElement *queue, gpointer data),
-                      gpointer data) {
-  const GstPointer<GstElement> queue(gst_bin_get_by_name(GST_BIN(pipeline), "arrivals"));
-  gst_util_set_object_arg(G_OBJECT(queue.get()), "leaky", "downstream");
-  g_object_set(queue.get(), "max-size-buffers", 1U, nullptr);
-  // A leaky queue that is full says so once for each frame that it drops.
-  g_signal_connect(queue.get(), "overrun", G_CALLBACK(dropped), data);
 }
 
 }  // namespace nox::app

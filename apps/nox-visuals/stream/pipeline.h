@@ -11,13 +11,12 @@
 
 namespace nox::app {
 
+// The queue between a source and the rest.
+inline constexpr const char *kArrivals = "arrivals";
+
 // SOURCE ! queue name=arrivals ! videoconvert ! I420 or A420 ! TAIL, not yet started. The source
 // runs in threads of its own before the queue, the tail in one behind it. Throws StreamError.
 GstPointer<GstElement> make_pipeline(const Source &source, const std::string &tail);
-
-// From now on the queue keeps the newest frame only; `dropped` is called for each that goes.
-void keep_newest_only(GstElement *pipeline, void (*dropped)(GstElement *queue, gpointer data),
-                      gpointer data);
 
 }  // namespace nox::app
 

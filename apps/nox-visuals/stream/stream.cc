@@ -7,6 +7,7 @@
 #include "nox-visuals/console.h"
 #include "nox-visuals/errors.h"
 #include "nox-visuals/stream/missing_plugin.h"
+#include "nox-visuals/stream/newest_frame.h"
 #include "nox-visuals/stream/pipeline.h"
 #include "nox-visuals/stream/progress.h"
 #include "nox-visuals/stream/signals.h"
@@ -15,7 +16,9 @@ namespace nox::app {
 namespace {
 
 constexpr guint kLookMs = 200;
-constexpr guint kFinishMs = 3000;  // for a pipeline to end by itself when it is asked to
+// For a pipeline to end by itself when it is asked to; a file is worth a longer wait.
+constexpr guint kFinishMs = 3000;
+constexpr guint kFinishFileMs = 30'000;
 constexpr double kFirstWait = 0.5;
 constexpr gint64 kSilenceUs = 10'000'000;  // a camera without a frame for so long is gone
 
@@ -23,6 +26,26 @@ std::string error_text(GstMessage *message) {
   GError *error = nullptr;
   gst_message_parse_error(message, &error, nullptr);
   return take_error(error);
+}
+
+// What autovideosink says before it shows nothing.
+std::optional<std::string> resource_warning(GstMessage *message) {
+  GError *error = nullptr;
+  gst_message_parse_warning(message, &error, nullptr);
+  const bool resource = error->domain == GST_RESOURCE_ERROR;
+  const std::string text = take_error(error);
+  return resource ? std::optional(text) : std::nullopt;
+}
+
+bool is_from_sink(GstMessage *message) {
+  GstObject *element = GST_MESSAGE_SRC(message);
+  return !GST_IS_PIPELINE(element) && GST_OBJECT_FLAG_IS_SET(element, GST_ELEMENT_FLAG_SINK);
+}
+
+// In place of the next frame: a decoder may hold hundreds of them that are not to be waited for.
+GstPadProbeReturn end_instead(GstPad *pad, GstPadProbeInfo * /*info*/, gpointer /*data*/) {
+  gst_pad_push_event(pad, gst_event_new_eos());
+  return GST_PAD_PROBE_DROP;
 }
 
 std::string seconds(double value) {
@@ -60,8 +83,12 @@ void Stream::build() {
   const auto paused = gst_element_set_state(pipeline_.get(), GST_STATE_PAUSED);
   if (paused == GST_STATE_CHANGE_NO_PREROLL) {
     live_ = true;
-    keep_newest_only(pipeline_.get(), on_overrun, this);
+    keep_newest_only(arrivals().get(), &counts_->dropped);
   }
+}
+
+GstPointer<GstElement> Stream::arrivals() const {
+  return GstPointer<GstElement>(gst_bin_get_by_name(GST_BIN(pipeline_.get()), kArrivals));
 }
 
 void Stream::open(StreamPlan plan) {
@@ -76,7 +103,7 @@ void Stream::drop_pipeline() {
   pipeline_.reset();
 }
 
-std::string Stream::run() {
+Failure Stream::run() {
   std::optional<SignalWatch> signals(std::in_place, [this] { finish(); });
   started_us_ = last_frame_us_ = g_get_monotonic_time();
   const guint look_timer = g_timeout_add(kLookMs, on_look, this);
@@ -99,13 +126,17 @@ void Stream::stop() {
 
 // The pipeline is given the chance to end by itself, so that files are finished.
 void Stream::finish() {
-  finishing_ = true;
+  if (std::exchange(finishing_, true)) return;
   plan_.hurry();
+  if (pipeline_ != nullptr && !live_) {
+    const GstPointer<GstPad> src(gst_element_get_static_pad(arrivals().get(), "src"));
+    gst_pad_add_probe(src.get(), GST_PAD_PROBE_TYPE_BUFFER, end_instead, nullptr, nullptr);
+  }
   if (pipeline_ == nullptr ||
       gst_element_send_event(pipeline_.get(), gst_event_new_eos()) == FALSE) {
     g_main_loop_quit(loop_);
-  } else if (finish_timer_ == 0) {
-    finish_timer_ = g_timeout_add(kFinishMs, on_late, this);
+  } else {
+    finish_timer_ = g_timeout_add(plan_.file.empty() ? kFinishMs : kFinishFileMs, on_late, this);
   }
 }
 
@@ -116,7 +147,16 @@ bool Stream::returns() const {
 void Stream::handle(GstMessage *message) {
   switch (GST_MESSAGE_TYPE(message)) {
     case GST_MESSAGE_ERROR:
+      if (is_from_sink(message)) {
+        output_failed(GST_MESSAGE_SRC_NAME(message), error_text(message));
+        break;
+      }
       source_failed(missing_.empty() ? error_text(message) : "GStreamer lacks " + missing_);
+      break;
+    case GST_MESSAGE_WARNING:
+      if (const auto why = resource_warning(message); why && is_from_sink(message)) {
+        output_failed(GST_MESSAGE_SRC_NAME(message), *why);
+      }
       break;
     case GST_MESSAGE_EOS:
       if (returns()) {
@@ -133,10 +173,17 @@ void Stream::handle(GstMessage *message) {
   }
 }
 
+void Stream::output_failed(const std::string &sink, const std::string &why) {
+  if (failure_.why.empty()) {
+    failure_ = {(sink == kFileSink ? plan_.file : "--preview") + ": " + why, true};
+  }
+  g_main_loop_quit(loop_);
+}
+
 void Stream::source_failed(const std::string &why) {
   // What never was there does not come back: a wrong address is said at once.
   if (!returns() || (counts_->frames == 0 && !away_)) {
-    if (!finishing_) failure_ = plan_.word + ": " + why;
+    if (!finishing_) failure_ = {plan_.word + ": " + why};
     g_main_loop_quit(loop_);
     return;
   }
@@ -208,12 +255,9 @@ gboolean Stream::on_look(gpointer stream) {
 gboolean Stream::on_late(gpointer stream) {
   auto *self = static_cast<Stream *>(stream);
   self->finish_timer_ = 0;
+  if (!self->plan_.file.empty()) self->output_failed(kFileSink, "it could not be finished in time");
   g_main_loop_quit(self->loop_);
   return G_SOURCE_REMOVE;
-}
-
-void Stream::on_overrun(GstElement * /*queue*/, gpointer stream) {
-  ++static_cast<Stream *>(stream)->counts_->dropped;
 }
 
 }  // namespace nox::app

@@ -16,11 +16,21 @@
 
 namespace nox::app {
 
+// The name of a sink that writes a file; all others show previews.
+inline constexpr const char *kFileSink = "file";
+
+// Why a stream failed.
+struct Failure {
+  std::string why;         // empty: it did not
+  bool of_output = false;  // a sink could not be opened, or broke; else the source
+};
+
 // What a command does with a source.
 struct StreamPlan {
   Source source;
   std::string word;  // the source as people named it, for messages
   std::string tail;  // launch description of what takes the I420 or A420 frames, sinks too
+  std::string file;  // what the tail's sink of the name kFileSink writes; empty: there is none
   std::optional<double> retry;  // the longest wait between two tries, in seconds; none: no try
   // Called with each new pipeline before it starts, to find elements of `tail` by their names.
   std::function<void(GstElement *pipeline)> started = [](GstElement *) {};
@@ -50,7 +60,7 @@ class Stream {
 
   // Runs until the source ends, a signal comes, stop() is called or the stream fails for good, of
   // which it returns the reason. The pipeline is gone then.
-  std::string run();
+  Failure run();
 
   // Ends run() soon; from any thread.
   void stop();
@@ -58,8 +68,10 @@ class Stream {
  private:
   void build();
   void drop_pipeline();
+  GstPointer<GstElement> arrivals() const;
   void handle(GstMessage *message);
   void source_failed(const std::string &why);
+  void output_failed(const std::string &sink, const std::string &why);
   void try_again();
   void finish();
   void look();
@@ -71,7 +83,6 @@ class Stream {
   static gboolean on_retry(gpointer stream);
   static gboolean on_look(gpointer stream);
   static gboolean on_late(gpointer stream);
-  static void on_overrun(GstElement *queue, gpointer stream);
 
   StreamPlan plan_;
   Counts *counts_;
@@ -89,7 +100,7 @@ class Stream {
   gint64 last_frame_us_ = 0;
   gint64 started_us_ = 0;
   std::string missing_;  // a plugin that the pipeline lacks, and its package
-  std::string failure_;  // why the stream failed
+  Failure failure_;
 };
 
 }  // namespace nox::app

@@ -7,32 +7,14 @@ import unittest
 import nox_visuals as nox
 
 
-class BadInput(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.folder = tempfile.TemporaryDirectory()
-        cls.clip = nox.make_video(cls.path("clip.webm"))
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.folder.cleanup()
-
-    @classmethod
-    def path(cls, name):
-        return os.path.join(cls.folder.name, name)
-
-    def write(self, name, content):
-        with open(self.path(name), "wb") as file:
-            file.write(content)
-        return self.path(name)
-
+class BadInput(nox.WithClip):
     def test_a_missing_file(self):
         lines, said = nox.run("track", self.path("none.webm"), status=1)
         self.assertEqual(lines, [])
         self.assertEqual(said, f"nox-visuals: {self.path('none.webm')}: there is no such file or device\n")
 
     def test_a_folder(self):
-        _, said = nox.run("track", self.folder.name, status=1)
+        _, said = nox.run("track", self.folder, status=1)
         self.assertIn("is a folder", said)
 
     def test_a_file_of_text_and_an_empty_one(self):
@@ -106,21 +88,12 @@ class BadReaders(unittest.TestCase):
         self.assertIn("standard output", said)
 
     def test_a_full_disk_leaves_no_half_file(self):
-        if os.geteuid() != 0:
-            self.skipTest("only root can mount a small disk")
         with tempfile.TemporaryDirectory() as folder:
             clip = nox.make_video(os.path.join(folder, "clip.webm"))
-            small = os.path.join(folder, "small")
-            os.mkdir(small)
-            mount = ["mount", "-t", "tmpfs", "-o", "size=4k", "tmpfs", small]
-            if subprocess.run(mount, capture_output=True).returncode != 0:
-                self.skipTest("no small disk can be mounted here")
-            try:
+            with nox.small_disk(folder, 4) as small:
                 _, said = nox.run("track", clip, "--output-dir", small, status=3)
                 self.assertIn("No space left on device", said)
                 self.assertEqual(os.listdir(small), [])
-            finally:
-                subprocess.run(["umount", small], check=True)
 
 
 if __name__ == "__main__":

@@ -1,7 +1,6 @@
 """What doctor finds: the module, plugins, and what a source shows."""
 import json
 import os
-import tempfile
 import unittest
 
 import nox_visuals as nox
@@ -15,7 +14,7 @@ def doctor(*arguments, status=0, **options):
     return {it["subject"]: it for it in map(json.loads, out.splitlines())}
 
 
-class Doctor(unittest.TestCase):
+class Doctor(nox.WithFolder):
     def test_the_module_is_found_and_named(self):
         found = doctor()
         self.assertEqual(found["module"]["verdict"], "ok")
@@ -29,11 +28,10 @@ class Doctor(unittest.TestCase):
         self.assertRegex(found["latency"]["text"], r"^from frame to event \d")
 
     def test_a_white_wall_is_too_bright(self):
-        with tempfile.TemporaryDirectory() as folder:
-            wall = os.path.join(folder, "wall.webm")
-            nox.launch("videotestsrc num-buffers=20 pattern=white ! video/x-raw,width=640,height=360 "
-                       f"! vp8enc deadline=1 ! webmmux ! filesink location={wall}")
-            light = doctor(wall)["light"]
+        wall = self.path("wall.webm")
+        nox.launch("videotestsrc num-buffers=20 pattern=white ! video/x-raw,width=640,height=360 "
+                   f"! vp8enc deadline=1 ! webmmux ! filesink location={wall}")
+        light = doctor(wall)["light"]
         self.assertEqual((light["verdict"], light["text"]), ("warn", "100 % above 170"))
         self.assertIn("exposure", light["advice"])
 
@@ -44,7 +42,7 @@ class Doctor(unittest.TestCase):
 
     def test_a_missing_plugin_is_named_with_its_package(self):
         folder = os.environ["GST_PLUGIN_PATH"]
-        environment = {**os.environ, "GST_PLUGIN_SYSTEM_PATH": folder, "GST_REGISTRY": os.devnull}
+        environment = {**os.environ, "GST_PLUGIN_SYSTEM_PATH": folder, "GST_REGISTRY": self.path("registry.bin")}
         cameras = doctor(status=0, env=environment)["cameras"]
         self.assertEqual(cameras["text"], "/dev/video and MJPEG cameras: missing v4l2src, jpegdec")
         self.assertEqual(cameras["advice"], "apt install gstreamer1.0-plugins-good")

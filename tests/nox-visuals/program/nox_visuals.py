@@ -1,7 +1,10 @@
 """Runs nox-visuals and reads what it writes: each line is checked against the schema."""
+import contextlib
 import json
 import os
 import subprocess
+import tempfile
+import unittest
 
 import jsonschema
 
@@ -65,3 +68,47 @@ def make_video(path, scene="pen", frames=60, raw=None, encode="vp8enc deadline=1
     launch(f"fdsrc fd=0 ! rawvideoparse width=640 height=360 framerate=30/1 format={layout} ! "
            f"{encode} ! filesink location={path}", input=raw or draw(scene, frames))
     return path
+
+
+class WithFolder(unittest.TestCase):
+    """A folder for a class's tests."""
+
+    @classmethod
+    def setUpClass(cls):
+        folder = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(folder.cleanup)
+        cls.folder = folder.name
+
+    @classmethod
+    def path(cls, name):
+        return os.path.join(cls.folder, name)
+
+    def write(self, name, content):
+        with open(self.path(name), "wb") as file:
+            file.write(content)
+        return self.path(name)
+
+
+class WithClip(WithFolder):
+    """With a clip of the pen in it."""
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.clip = make_video(cls.path("clip.webm"))
+
+
+@contextlib.contextmanager
+def small_disk(folder, kilobytes):
+    """The path of a disk of this size, mounted in `folder`; skips the test where none can be mounted."""
+    if os.geteuid() != 0:
+        raise unittest.SkipTest("only root can mount a small disk")
+    path = os.path.join(folder, "small")
+    os.mkdir(path)
+    mount = ["mount", "-t", "tmpfs", "-o", f"size={kilobytes}k", "tmpfs", path]
+    if subprocess.run(mount, capture_output=True).returncode != 0:
+        raise unittest.SkipTest("no small disk can be mounted here")
+    try:
+        yield path
+    finally:
+        subprocess.run(["umount", path], check=True)

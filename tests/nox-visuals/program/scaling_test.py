@@ -2,7 +2,6 @@
 import os
 import shutil
 import subprocess
-import tempfile
 import unittest
 
 import nox_visuals as nox
@@ -19,10 +18,10 @@ def read_all(folder):
     return content
 
 
-class Scaling(unittest.TestCase):
+class Scaling(nox.WithFolder):
     @classmethod
     def setUpClass(cls):
-        cls.folder = tempfile.TemporaryDirectory()
+        super().setUpClass()
         cls.clips = [cls.path(f"clip {i}.webm") for i in range(5)]
         for i, clip in enumerate(cls.clips):
             os.rename(nox.make_video(cls.path("new.webm"), frames=10 + i), clip)
@@ -30,14 +29,6 @@ class Scaling(unittest.TestCase):
         cls.expected = read_all(cls.path("one"))
         # Where the batch file finds the program.
         cls.search = os.path.dirname(nox.PROGRAM) + os.pathsep + os.environ["PATH"]
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.folder.cleanup()
-
-    @classmethod
-    def path(cls, name):
-        return os.path.join(cls.folder.name, name)
 
     @unittest.skipUnless(shutil.which("parallel"), "GNU parallel is not installed")
     def test_parallel_does_each_once_and_again_what_failed(self):

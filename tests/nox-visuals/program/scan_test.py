@@ -2,7 +2,6 @@
 import base64
 import os
 import subprocess
-import tempfile
 import unittest
 
 import nox_visuals as nox
@@ -22,15 +21,11 @@ def raw(*arguments):
     return run.stdout
 
 
-class Files(unittest.TestCase):
+class Files(nox.WithFolder):
     @classmethod
     def setUpClass(cls):
-        cls.folder = tempfile.TemporaryDirectory()
-        cls.clip = nox.make_video(os.path.join(cls.folder.name, "clip.webm"), "qr left right", frames=15)
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.folder.cleanup()
+        super().setUpClass()
+        cls.clip = nox.make_video(cls.path("clip.webm"), "qr left right", frames=15)
 
     def test_every_code_in_every_frame(self):
         lines, said = nox.run("scan", self.clip, "--name", "hall")
@@ -67,9 +62,7 @@ class Files(unittest.TestCase):
         self.assertEqual(len(texts(nox.run("scan", "--unique=0.02", self.clip)[0])), 30)
 
     def test_options_in_a_file(self):
-        path = os.path.join(self.folder.name, "options")
-        with open(path, "w", encoding="utf-8") as file:
-            file.write("unique = 1\nreader = quirc\n")
+        path = self.write("options", b"unique = 1\nreader = quirc\n")
         self.assertEqual(sorted(texts(nox.run("scan", self.clip, "--config", path)[0])), ["left", "right"])
 
     def test_one(self):
@@ -86,7 +79,7 @@ class Files(unittest.TestCase):
 
     def test_bytes_that_are_no_text(self):
         payload = b"caf\xe9\xff"
-        path = os.path.join(self.folder.name, "bytes.webm")
+        path = self.path("bytes.webm")
         nox.make_video(path, "qr " + os.fsdecode(payload), frames=1)
         code = nox.of_type(nox.run("scan", path)[0], "code")[0]
         self.assertNotIn("text", code)
@@ -95,7 +88,7 @@ class Files(unittest.TestCase):
         self.assertEqual(raw(path), payload + b"\n")
 
     def test_a_picture_is_one_frame(self):
-        path = os.path.join(self.folder.name, "still.png")
+        path = self.path("still.png")
         nox.make_video(path, "qr still", frames=1, encode="videoconvert ! pngenc")
         lines, _ = nox.run("scan", path)
         self.assertEqual((texts(lines), lines[-1]["frames"]), (["still"], 1))

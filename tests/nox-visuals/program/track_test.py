@@ -1,34 +1,11 @@
 """nox-visuals track on files: the lines, the counts, the files of --output-dir, and bad input."""
 import os
-import tempfile
 import unittest
 
 import nox_visuals as nox
 
 
-class WithClip(unittest.TestCase):
-    """A folder of its own, with a clip of the pen in it."""
-
-    @classmethod
-    def setUpClass(cls):
-        cls.folder = tempfile.TemporaryDirectory()
-        cls.clip = nox.make_video(cls.path("clip.webm"))
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.folder.cleanup()
-
-    @classmethod
-    def path(cls, name):
-        return os.path.join(cls.folder.name, name)
-
-    def write(self, name, content):
-        with open(self.path(name), "wb") as file:
-            file.write(content)
-        return self.path(name)
-
-
-class Track(WithClip):
+class Track(nox.WithClip):
     def test_every_frame_has_its_line(self):
         lines, said = nox.run("track", self.clip, "--name", "hall-cam1")
         pens = nox.of_type(lines, "pen")
@@ -127,11 +104,11 @@ class Track(WithClip):
             self.assertEqual(said.count("\n"), 1, said)
 
 
-class OutputDir(WithClip):
+class OutputDir(nox.WithClip):
     """The files of --output-dir."""
 
     def setUp(self):
-        self.out = os.path.join(self.folder.name, "out-" + self.id().rsplit(".", 1)[-1])
+        self.out = os.path.join(self.folder, "out-" + self.id().rsplit(".", 1)[-1])
 
     def lines(self, name):
         with open(os.path.join(self.out, name), encoding="utf-8") as file:

@@ -3,7 +3,6 @@ import json
 import os
 import signal
 import subprocess
-import tempfile
 import time
 import unittest
 
@@ -12,7 +11,7 @@ import nox_visuals as nox
 FRAMES = 110  # edges show from the hundredth on
 
 
-def luma_of(path):
+def luma_of(path, size=640 * 360):
     """The luma planes of a video, frame by frame."""
     raw = path + ".yuv"
     launch = f"filesrc location={path} ! decodebin ! videoconvert ! video/x-raw,format=GRAY8 ! filesink location={raw}"
@@ -20,24 +19,15 @@ def luma_of(path):
     with open(raw, "rb") as file:
         content = file.read()
     os.remove(raw)
-    size = 640 * 360
     assert len(content) % size == 0
     return [content[start:start + size] for start in range(0, len(content), size)]
 
 
-class Vectorize(unittest.TestCase):
+class Vectorize(nox.WithFolder):
     @classmethod
     def setUpClass(cls):
-        cls.folder = tempfile.TemporaryDirectory()
+        super().setUpClass()
         cls.clip = nox.make_video(cls.path("clip.webm"), "edges", frames=12)
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.folder.cleanup()
-
-    @classmethod
-    def path(cls, name):
-        return os.path.join(cls.folder.name, name)
 
     def test_lasting_edges_are_drawn(self):
         clip = nox.make_video(self.path("long.webm"), "edges", frames=FRAMES)
@@ -52,7 +42,7 @@ class Vectorize(unittest.TestCase):
     def test_a_file_is_there_when_it_is_whole(self):
         nox.run("vectorize", self.clip, "--output", self.path("drawing.mkv"))
         self.assertEqual(len(luma_of(self.path("drawing.mkv"))), 12)
-        self.assertEqual([it for it in os.listdir(self.folder.name) if it.startswith(".")], [])
+        self.assertEqual([it for it in os.listdir(self.folder) if it.startswith(".")], [])
 
     def test_a_missing_encoder_is_named_with_its_package(self):
         plugins = self.path("plugins")
@@ -77,19 +67,60 @@ class Vectorize(unittest.TestCase):
     def test_preview_alone(self):
         self.assertEqual(nox.run("vectorize", self.clip, "--preview=fakesink")[0][0]["frames"], 12)
 
+    def wait_for_part(self, name):
+        """Until frames lie in the file that will have this name."""
+        for _ in range(10 * nox.PATIENCE):
+            parts = [it for it in os.listdir(self.folder) if it.startswith("." + name)]
+            if parts and os.path.getsize(self.path(parts[0])) > 10_000:
+                return
+            time.sleep(0.1)
+        self.fail("nothing is written")
+
     def test_an_interrupt_finishes_the_file(self):
         path = self.path("live.webm")
         process = nox.start("vectorize", "test:edges", "--output", path)
-        time.sleep(2)
+        self.wait_for_part("live.webm")
         process.send_signal(signal.SIGINT)
         out, said = process.communicate(timeout=nox.PATIENCE)
         self.assertEqual((process.returncode, said), (-signal.SIGINT, ""))
         self.assertEqual(len(luma_of(path)), nox.parse(out)[-1]["frames"])
 
+    def test_an_interrupt_does_not_wait_for_what_a_decoder_holds(self):
+        """Small frames that are drawn at a large size: hundreds of them lie before the first one that is drawn."""
+        clip = nox.make_video(self.path("small.webm"), "edges", frames=300)
+        path = self.path("large.webm")
+        large = f"gst:filesrc location={clip} ! decodebin ! videoscale ! video/x-raw,width=2560,height=1440"
+        process = nox.start("vectorize", large, "--output", path)
+        self.wait_for_part("large.webm")
+        process.send_signal(signal.SIGINT)
+        out, said = process.communicate(timeout=nox.PATIENCE)
+        self.assertEqual((process.returncode, said), (-signal.SIGINT, ""))
+        frames = nox.parse(out)[-1]["frames"]
+        self.assertEqual(len(luma_of(path, 2560 * 1440)), frames)
+        self.assertLess(frames, 300)
+
+    def test_a_full_disk(self):
+        with nox.small_disk(self.folder, 16) as small:
+            lines, said = nox.run("vectorize", "test:edges", "--output", os.path.join(small, "drawing.webm"), status=3)
+            self.assertRegex(said, r"^nox-visuals: \S*/small/drawing.webm: .*[Nn]o space left")
+            self.assertEqual((lines[-1]["type"], os.listdir(small)), ("end", []))
+
+    def test_the_source_stays(self):
+        with open(self.clip, "rb") as file:
+            before = file.read()
+        for source in (self.clip, "file://" + self.clip):
+            _, said = nox.run("vectorize", source, "--output", self.clip, status=2)
+            self.assertEqual(said, f"nox-visuals: --output {self.clip}: is the source itself\n")
+        with open(self.clip, "rb") as file:
+            self.assertEqual(file.read(), before)
+
+    def test_a_preview_that_cannot_be_opened(self):
+        _, said = nox.run("vectorize", "test:edges", "--preview=filesink location=/nowhere/shown", status=3)
+        self.assertIn("--preview: ", said)
+        self.assertIn("/nowhere/shown", said)
+
     def test_a_stream_that_fails_leaves_no_file(self):
-        bad = self.path("bad.webm")
-        with open(bad, "wb") as file:
-            file.write(b"no video at all" * 100)
+        bad = self.write("bad.webm", b"no video at all" * 100)
         nox.run("vectorize", bad, "--output", self.path("nothing.webm"), status=1)
         self.assertFalse(os.path.exists(self.path("nothing.webm")))
 
