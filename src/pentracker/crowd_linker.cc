@@ -47,7 +47,7 @@ void CrowdLinker::sort_out() {
   if (is_sorted_out_) return;
   is_sorted_out_ = true;
   near_.build(earlier_);
-  distant_.build(earlier_);
+  distant_.build(earlier_, &table_);
 }
 
 void CrowdLinker::take_links(Blob *blob) {

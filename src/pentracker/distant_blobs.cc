@@ -1,118 +1,41 @@
 #include "pentracker/distant_blobs.h"
 
-#include <initializer_list>
+#include <algorithm>
 
 #include "pentracker/at.h"
-#include "pentracker/link_kernels.h"
 
 namespace nox::pentracker {
 
-namespace {
-
-constexpr std::int32_t kNone = -1;
-
-}  // namespace
-
 std::size_t DistantBlobs::Hash::operator()(const Key &key) const {
   constexpr std::size_t kMultiplier = 0x9E3779B1U;
-  std::size_t hash = key.has_place ? 1 : 0;
-  for (const std::int32_t part : {key.pixel_count, key.width, key.height}) {
-    hash = hash * kMultiplier + at(part);
+  std::size_t hash = 0;
+  for (const float part : {key.pixel_count, key.width, key.height}) {
+    hash = hash * kMultiplier + static_cast<std::size_t>(part);
   }
   return hash;
 }
 
-void DistantBlobs::build(BlobSpan earlier) {
-  find_classes(earlier);
-  place_members(earlier);
-  fill_table(earlier);
-  for (std::int32_t i = 0; i < earlier.count; ++i) note(i, earlier.blobs[i].successor_score);
-  for (Class &blobs : classes_) update(&blobs);
-}
-
-void DistantBlobs::find_classes(BlobSpan earlier) {
-  class_of_key_.clear();
-  classes_.clear();
-  class_of_.resize(at(earlier.count));
-  rank_.resize(at(earlier.count));
-  for (std::int32_t i = 0; i < earlier.count; ++i) {
-    const Blob &blob = earlier.blobs[i];
-    const Key key{blob.pixel_count, blob.width, blob.height, blob.previous != nullptr};
-    const auto next = static_cast<std::int32_t>(classes_.size());
-    const auto [entry, is_new] = class_of_key_.try_emplace(key, next);
-    if (is_new) classes_.push_back({});
-    class_of_[at(i)] = entry->second;
-    rank_[at(i)] = classes_[at(entry->second)].size++;
-  }
-}
-
-void DistantBlobs::place_members(BlobSpan earlier) {
-  trees_.clear();
-  std::int32_t first = 0;
-  for (Class &blobs : classes_) {
-    blobs.first = first;
-    blobs.taken = trees_.add(blobs.size);
-    first += blobs.size;
-  }
-  members_.resize(at(earlier.count));
-  for (std::int32_t i = 0; i < earlier.count; ++i) {
-    members_[at(classes_[at(class_of_[at(i)])].first + rank_[at(i)])] = i;
-  }
-}
-
-void DistantBlobs::fill_table(BlobSpan earlier) {
-  const auto count = static_cast<std::int32_t>(classes_.size());
-  table_.resize(count);
-  class_in_.resize(at(count));
-  left_ = open_placeless_ = 0;
-  for (std::int32_t row = 0; row < count; ++row) {
-    Class &blobs = classes_[at(row)];
-    const std::int32_t first = members_[at(blobs.first)];
-    table_.put(row, first, earlier.blobs[first]);
-    class_in_[at(row)] = blobs.row = row;
-    open_placeless_ += earlier.blobs[first].previous == nullptr ? 1 : 0;
-  }
+void DistantBlobs::build(BlobSpan earlier, const LinkColumns *table) {
+  table_ = table;
+  rows_.open.reset(earlier.count);
+  rows_.taken.assign(at(earlier.count + LinkColumns::kPadding), kClosed);
+  open_placeless_ = static_cast<std::int32_t>(
+      std::count(table->least.begin(), table->least.begin() + earlier.count, 1.0F));
+  walks_.clear();
+  for (std::int32_t i = 0; i < earlier.count; ++i) set_taken(i, earlier.blobs[i].successor_score);
 }
 
 void DistantBlobs::set_taken(std::int32_t index, float score) {
-  Class *const blobs = &classes_[at(class_of_[at(index)])];
-  if (blobs->row == kNone) return;
-  note(index, score);
-  update(blobs);
-}
-
-void DistantBlobs::note(std::int32_t index, float score) {
-  const Class &blobs = classes_[at(class_of_[at(index)])];
-  const std::size_t row = at(blobs.row);
-  const float highest = highest_score(table_.count[row], table_.inverse_count[row]);
-  const bool leaves = score >= table_.least[row] * highest;
-  trees_.set(blobs.taken, rank_[at(index)], leaves ? kClosed : score);
-}
-
-void DistantBlobs::update(Class *blobs) {
-  const std::size_t row = at(blobs->row);
-  table_.taken[row] = trees_.least(blobs->taken);
-  if (table_.taken[row] != kClosed) {
-    table_.index[row] = members_[at(blobs->first + trees_.first_below(blobs->taken, kClosed))];
+  const std::size_t i = at(index);
+  const float least = table_->least[i];
+  if (score < least * highest_score(table_->count[i], table_->inverse_count[i])) {
+    rows_.taken[i] = score;
     return;
   }
-  open_placeless_ -= table_.least[row] == 1.0F ? 1 : 0;
-  blobs->row = kNone;
-  ++left_;
-}
-
-// Forgets the rows of classes that have left, once these are the most.
-void DistantBlobs::tidy() {
-  if (2 * left_ <= table_.size) return;
-  std::int32_t kept = 0;
-  for (std::int32_t row = 0; row < table_.size; ++row) {
-    if (table_.taken[at(row)] == kClosed) continue;
-    class_in_[at(kept)] = class_in_[at(row)];
-    classes_[at(class_in_[at(kept)])].row = kept;
-    table_.move(row, kept++);
-  }
-  table_.resize(kept);
-  left_ = 0;
+  if (!rows_.open.is_open(index)) return;
+  rows_.taken[i] = kClosed;
+  rows_.open.close(index);
+  open_placeless_ -= least == 1.0F ? 1 : 0;
 }
 
 // No score of a new blob of this shape that is distant is higher.
@@ -121,42 +44,52 @@ float DistantBlobs::highest(const BlobShape &shape) const {
   return position * highest_score(shape.count, shape.inverse_count);
 }
 
-// Of the class in this row, the first member that is not taken for so much.
-void DistantBlobs::add_link(std::int32_t row, float score, RisingLinks *links) const {
-  const Class &blobs = classes_[at(class_in_[at(row)])];
-  const std::int32_t member = trees_.first_below(blobs.taken, score);
-  links->add({members_[at(blobs.first + member)], score});
-}
-
-// The blobs of the very shape score highest, and most often leave nothing to the others.
-void DistantBlobs::add_alike(const BlobShape &shape, RisingLinks *links) const {
-  const auto whole = [](float size) { return static_cast<std::int32_t>(size); };
-  for (const bool has_place : {false, true}) {
-    const auto entry = class_of_key_.find(
-        {whole(shape.count), whole(shape.width), whole(shape.height), has_place});
-    if (entry == class_of_key_.end()) continue;
-    const std::int32_t row = classes_[at(entry->second)].row;
-    if (row == kNone) continue;
-    const float score =
-        shape_score(table_.least[at(row)], shape.count, shape.width, shape.height, shape);
-    if (score > table_.taken[at(row)]) add_link(row, score, links);
-  }
-}
-
-// What a walk has come to at the first member of a class that has not left is a bound for the whole
-// class. Rows stay in the order of the first members, those that have left included: once nothing
-// can score higher behind one of these, nothing can in the rows that follow.
 void DistantBlobs::add_links(const LinkQuery &query, RisingLinks *links) {
-  tidy();
-  add_alike(query.shape, links);
-  const float enough = highest(query.shape);
-  for (std::int32_t row = 0; row < table_.size; ++row) {
-    const std::int32_t first = members_[at(classes_[at(class_in_[at(row)])].first)];
-    if (links->best_up_to(first) >= enough) return;
-    const LinkCandidate next = next_distant(table_, query, row, links->links());
-    row = next.index;
-    if (row < table_.size) add_link(row, next.score, links);
+  const std::int32_t limit = std::min(links->first_from_score(highest(query.shape)), table_->size);
+  if (rows_.open.next(0) >= limit) return;
+  Walk *const walk = &walks_[{query.shape.count, query.shape.width, query.shape.height}];
+  mend(query.shape, limit, walk);
+  for (const LinkCandidate &link : walk->links) {
+    if (link.index >= limit) break;
+    links->add(link);
   }
+}
+
+// Makes a walk right up to `limit`.
+void DistantBlobs::mend(const BlobShape &shape, std::int32_t limit, Walk *walk) {
+  const float enough = highest(shape);
+  std::vector<LinkCandidate> &links = walk->links;
+  mended_.clear();
+  std::size_t next = 0;
+  while (next < links.size() && links[next].index < limit) {
+    const LinkCandidate link = links[next++];
+    const float best = mended_.empty() ? 0.0F : mended_.back().score;
+    if (link.score <= best) continue;
+    if (link.score > rows_.taken[at(link.index)]) {
+      mended_.push_back(link);
+    } else {
+      const std::int32_t end = next < links.size() ? links[next].index : walk->end;
+      go_on(shape, {link.index + 1, end}, std::min(link.score, enough));
+    }
+  }
+  if (next == links.size() && walk->end < limit) {
+    walk->end = go_on(shape, {walk->end, limit}, enough);
+  }
+  mended_.insert(mended_.end(), links.begin() + static_cast<std::ptrdiff_t>(next), links.end());
+  links.swap(mended_);
+}
+
+// Walks on over `rows` until a score of `enough`; returns where it ends.
+std::int32_t DistantBlobs::go_on(const BlobShape &shape, LinkRows rows, float enough) {
+  float best = mended_.empty() ? 0.0F : mended_.back().score;
+  while (best < enough && rows.begin < rows.end) {
+    const LinkCandidate link = next_distant(*table_, rows_, shape, rows, best);
+    rows.begin = link.index + 1;
+    if (link.index == rows.end) break;
+    mended_.push_back(link);
+    best = link.score;
+  }
+  return std::min(rows.begin, rows.end);
 }
 
 }  // namespace nox::pentracker

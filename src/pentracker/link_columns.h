@@ -59,13 +59,6 @@ struct LinkColumns {
     set_taken(row, blob.successor_score);
   }
 
-  void move(std::int32_t from, std::int32_t to) {
-    index[at(to)] = index[at(from)];
-    for (auto *column : columns()) {
-      (*column)[at(to)] = (*column)[at(from)];
-    }
-  }
-
   void set_taken(std::int32_t row, float score) {
     const std::size_t i = at(row);
     taken[i] = score >= highest_score(count[i], inverse_count[i]) ? kClosed : score;

@@ -4,7 +4,6 @@
 #include <bit>
 #include <cstddef>
 #include <cstring>
-#include <span>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pentracker/link_kernels.cc"
@@ -159,38 +158,25 @@ void WalkAll(const LinkColumns &columns, const LinkQuery &query, std::int32_t li
   *result = walk;
 }
 
-// For each row the score that a walk has come to at its index.
-HWY_INLINE FloatVector passed_scores(const LinkColumns &columns, std::size_t i,
-                                     std::span<const LinkCandidate> passed) {
+LinkCandidate NextDistant(const LinkColumns &columns, const DistantRows &distant,
+                          const BlobShape &shape, LinkRows rows, float above) {
   const Floats d;
-  const hn::RebindToSigned<Floats> indices;
-  const auto index = hn::LoadU(indices, &columns.index[i]);
-  FloatVector scores = hn::Zero(d);
-  for (const LinkCandidate &link : passed) {
-    const auto is_before = hn::Lt(index, hn::Set(indices, link.index));
-    scores = hn::IfThenElse(hn::RebindMask(d, is_before), scores, hn::Set(d, link.score));
-  }
-  return scores;
-}
-
-LinkCandidate NextDistant(const LinkColumns &columns, const LinkQuery &query, std::int32_t row,
-                          std::span<const LinkCandidate> passed_links) {
-  const Floats d;
-  for (; row < columns.size; row += static_cast<std::int32_t>(hn::Lanes(d))) {
+  for (std::int32_t row = distant.open.next(rows.begin); row < rows.end;
+       row = distant.open.next(row + static_cast<std::int32_t>(hn::Lanes(d)))) {
     const auto i = static_cast<std::size_t>(row);
     const FloatVector least = hn::LoadU(d, &columns.least[i]);
-    const FloatVector bound = hn::Mul(least, likeness(columns, i, query.shape));
-    const FloatVector passed =
-        hn::Max(hn::LoadU(d, &columns.taken[i]), passed_scores(columns, i, passed_links));
+    const FloatVector bound = hn::Mul(least, likeness(columns, i, shape));
+    const FloatVector passed = hn::Max(hn::LoadU(d, &distant.taken[i]), hn::Set(d, above));
     if (hn::AllFalse(d, hn::Gt(bound, passed))) continue;
-    const FloatVector scores = exact_scores(columns, i, query.shape, least);
+    const FloatVector scores = exact_scores(columns, i, shape, least);
     const std::intptr_t lane = hn::FindFirstTrue(d, hn::Gt(scores, passed));
     if (lane < 0) continue;
+    if (row + lane >= rows.end) break;
     HWY_ALIGN float score[kLanes];
     hn::Store(scores, d, score);
     return {row + static_cast<std::int32_t>(lane), score[lane]};
   }
-  return {columns.size, 0.0F};
+  return {rows.end, 0.0F};
 }
 
 }  // namespace
@@ -214,9 +200,9 @@ void walk_all(const LinkColumns &columns, const LinkQuery &query, std::int32_t l
   HWY_DYNAMIC_DISPATCH(WalkAll)(columns, query, limit, enough, walk);
 }
 
-LinkCandidate next_distant(const LinkColumns &columns, const LinkQuery &query, std::int32_t row,
-                           std::span<const LinkCandidate> passed) {
-  return HWY_DYNAMIC_DISPATCH(NextDistant)(columns, query, row, passed);
+LinkCandidate next_distant(const LinkColumns &columns, const DistantRows &distant,
+                           const BlobShape &shape, LinkRows rows, float above) {
+  return HWY_DYNAMIC_DISPATCH(NextDistant)(columns, distant, shape, rows, above);
 }
 
 }  // namespace nox::pentracker

@@ -4,9 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
+#include <vector>
 
 #include "pentracker/link_columns.h"
+#include "pentracker/open_rows.h"
 
 namespace nox::pentracker {
 
@@ -39,11 +40,16 @@ struct LinkWalk {
 void walk_all(const LinkColumns &columns, const LinkQuery &query, std::int32_t limit, float enough,
               LinkWalk *walk);
 
-// The first row from `row` on that, as a distant blob, scores above what it is taken for and above
-// all of `passed` whose indices its own is not below; with its exact score. The table's size and 0
-// if there is none. The links that are passed rise in index and score.
-LinkCandidate next_distant(const LinkColumns &columns, const LinkQuery &query, std::int32_t row,
-                           std::span<const LinkCandidate> passed);
+// What a table's rows are as distant blobs.
+struct DistantRows {
+  OpenRows open;             // to distant ones
+  std::vector<float> taken;  // the score of the successor, kClosed if the row is not open
+};
+
+// The first of `rows` that, as a distant blob, scores above `above` and above what it is taken for,
+// with its exact score; the end of the rows and 0 if there is none.
+LinkCandidate next_distant(const LinkColumns &columns, const DistantRows &distant,
+                           const BlobShape &shape, LinkRows rows, float above);
 
 }  // namespace nox::pentracker
 

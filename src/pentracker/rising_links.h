@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "pentracker/link_kernels.h"
@@ -28,6 +29,13 @@ class RisingLinks {
   float best_up_to(std::int32_t index) {
     const auto after = first_from(index + 1);
     return after == links_.begin() ? 0.0F : (after - 1)->score;
+  }
+
+  // The index of the first link that scores `score` or more; beyond all if there is none.
+  std::int32_t first_from_score(float score) const {
+    const auto first = std::find_if(links_.begin(), links_.end(),
+                                    [&](const LinkCandidate &link) { return link.score >= score; });
+    return first == links_.end() ? std::numeric_limits<std::int32_t>::max() : first->index;
   }
 
   const std::vector<LinkCandidate> &links() const { return links_; }

@@ -16,6 +16,7 @@
 namespace nox::test {
 namespace {
 
+using pentracker::DistantRows;
 using pentracker::LinkCandidate;
 using pentracker::LinkColumns;
 using pentracker::LinkQuery;
@@ -113,21 +114,29 @@ TEST_P(LinkKernelsTest, WalkAllTakesWhatAWalkOneByOneTakes) {
   });
 }
 
-// Where no blob is near, the first one that a walk takes is the next distant one: of the rows
-// before the passed one, of which nothing is asked, or else of the others.
+// Where no blob is near, the first open row that a walk takes is the next distant one.
 TEST_P(LinkKernelsTest, NextDistantIsTheFirstThatAWalkOneByOneTakes) {
   for_many([](const Table &near_table, const LinkQuery &query, LinkRows rows, float best) {
     Table table = near_table;
-    for (std::int32_t i = 0; i < table.columns.size; ++i) {
-      table.blobs[Table::at(i)].predicted_x += 200.0F;
-      table.columns.put(i, i, table.blobs[Table::at(i)]);
+    const std::int32_t count = table.columns.size;
+    DistantRows distant;
+    distant.open.reset(count);
+    distant.taken.assign(Table::at(count + LinkColumns::kPadding), pentracker::kClosed);
+    for (std::int32_t i = 0; i < count; ++i) {
+      Blob *blob = &table.blobs[Table::at(i)];
+      blob->predicted_x += 200.0F;
+      if (i % 7 == 0 || (i > 20 && i < 60)) blob->successor_score = 1.0F;
+      if (blob->successor_score < 1.0F) {
+        distant.taken[Table::at(i)] = blob->successor_score;
+      } else {
+        distant.open.close(i);
+      }
+      table.columns.put(i, i, *blob);
     }
-    const std::int32_t end = table.columns.size;
-    std::vector<LinkCandidate> plain = plain_walk(table, query, rows, 0.0F);
-    if (plain.empty()) plain = plain_walk(table, query, {rows.end, end}, best);
-    const LinkCandidate passed[] = {{rows.end, 0.5F * best}, {rows.end, best}};
-    const LinkCandidate next = pentracker::next_distant(table.columns, query, rows.begin, passed);
-    EXPECT_EQ(next.index, plain.empty() ? end : plain.front().index);
+    const std::vector<LinkCandidate> plain = plain_walk(table, query, rows, best);
+    const LinkCandidate next =
+        pentracker::next_distant(table.columns, distant, query.shape, rows, best);
+    EXPECT_EQ(next.index, plain.empty() ? rows.end : plain.front().index);
     EXPECT_EQ(next.score, plain.empty() ? 0.0F : plain.front().score);
   });
 }

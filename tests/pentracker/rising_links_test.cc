@@ -1,4 +1,4 @@
-// Links added in any order against one walk in list order.
+// Links added in any order against one walk in list order; the rows that are open.
 #include "pentracker/rising_links.h"
 
 #include <gtest/gtest.h>
@@ -7,14 +7,14 @@
 #include <cstdint>
 #include <vector>
 
-#include "pentracker/min_trees.h"
+#include "pentracker/open_rows.h"
 #include "support/random.h"
 
 namespace nox::test {
 namespace {
 
 using pentracker::LinkCandidate;
-using pentracker::MinTrees;
+using pentracker::OpenRows;
 using pentracker::RisingLinks;
 
 // Of the candidates, in list order, each that scores higher than all before it; of several for one
@@ -55,30 +55,23 @@ TEST(RisingLinks, KeepWhatAWalkInListOrderTakes) {
   }
 }
 
-TEST(MinTrees, TellTheFirstNumberBelowABound) {
+TEST(OpenRows, TellTheNextOneFromAnyRow) {
   Random random(42);
-  MinTrees trees;
-  for (int round = 0; round < 300; ++round) {
-    if (round % 50 == 0) trees.clear();
-    std::vector<float> numbers(static_cast<std::size_t>(random.between(1, 40)));
-    const MinTrees::Tree tree = trees.add(static_cast<std::int32_t>(numbers.size()));
-    const MinTrees::Tree other = trees.add(1);
-    for (int change = 0; change < 100; ++change) {
-      const auto place = static_cast<std::size_t>(
-          random.between(0, static_cast<std::int32_t>(numbers.size()) - 1));
-      for (std::size_t i = 0; i < numbers.size(); ++i) {
-        if (change == 0 || i == place) {
-          numbers[i] = static_cast<float>(random.between(0, 20));
-          trees.set(tree, static_cast<std::int32_t>(i), numbers[i]);
-        }
+  OpenRows rows;
+  for (const std::int32_t count : {1, 5, 63, 64, 65, 128, 300}) {
+    rows.reset(count);
+    std::vector<bool> open(static_cast<std::size_t>(count), true);
+    for (int change = 0; change < 2 * count; ++change) {
+      for (std::int32_t row = 0; row < count; ++row) {
+        const auto next = std::find(open.begin() + row, open.end(), true);
+        ASSERT_EQ(rows.next(row), next - open.begin()) << row << " of " << count;
+        ASSERT_EQ(rows.is_open(row), open[static_cast<std::size_t>(row)]);
       }
-      trees.set(other, 0, -1.0F);
-      ASSERT_EQ(trees.least(tree), *std::min_element(numbers.begin(), numbers.end()));
-      const float bound = trees.least(tree) + static_cast<float>(random.between(1, 20));
-      const auto first = std::find_if(numbers.begin(), numbers.end(),
-                                      [&](float number) { return number < bound; });
-      ASSERT_EQ(trees.first_below(tree, bound), first - numbers.begin());
+      const std::int32_t closed = random.between(0, count - 1);
+      rows.close(closed);
+      open[static_cast<std::size_t>(closed)] = false;
     }
+    EXPECT_EQ(rows.next(count), count);
   }
 }
 
