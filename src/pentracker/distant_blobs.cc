@@ -6,14 +6,14 @@
 
 namespace nox::pentracker {
 
-std::size_t DistantBlobs::Hash::operator()(const Key &key) const {
-  constexpr std::size_t kMultiplier = 0x9E3779B1U;
-  std::size_t hash = 0;
-  for (const float part : {key.pixel_count, key.width, key.height}) {
-    hash = hash * kMultiplier + static_cast<std::size_t>(part);
-  }
-  return hash;
-}
+namespace {
+
+// Walks that are kept. One that is lost to another of the same hash costs no more than time.
+constexpr std::size_t kWalks = 2048;
+
+}  // namespace
+
+DistantBlobs::DistantBlobs() : walks_(kWalks) {}
 
 void DistantBlobs::build(BlobSpan earlier, const LinkColumns *table) {
   table_ = table;
@@ -21,7 +21,8 @@ void DistantBlobs::build(BlobSpan earlier, const LinkColumns *table) {
   rows_.taken.assign(at(earlier.count + LinkColumns::kPadding), kClosed);
   open_placeless_ = static_cast<std::int32_t>(
       std::count(table->least.begin(), table->least.begin() + earlier.count, 1.0F));
-  walks_.clear();
+  for (Walk &walk : walks_) walk.sizes = {};
+  mended_.resize(at(earlier.count));
   for (std::int32_t i = 0; i < earlier.count; ++i) set_taken(i, earlier.blobs[i].successor_score);
 }
 
@@ -47,7 +48,7 @@ float DistantBlobs::highest(const BlobShape &shape) const {
 void DistantBlobs::add_links(const LinkQuery &query, RisingLinks *links) {
   const std::int32_t limit = std::min(links->first_from_score(highest(query.shape)), table_->size);
   if (rows_.open.next(0) >= limit) return;
-  Walk *const walk = &walks_[{query.shape.count, query.shape.width, query.shape.height}];
+  Walk *const walk = walk_of(query.shape);
   mend(query.shape, limit, walk);
   for (const LinkCandidate &link : walk->links) {
     if (link.index >= limit) break;
@@ -55,41 +56,47 @@ void DistantBlobs::add_links(const LinkQuery &query, RisingLinks *links) {
   }
 }
 
+DistantBlobs::Walk *DistantBlobs::walk_of(const BlobShape &shape) {
+  constexpr std::size_t kMultiplier = 0x9E3779B1U;
+  std::size_t hash = 0;
+  for (const float size : {shape.count, shape.width, shape.height}) {
+    hash = (hash + static_cast<std::size_t>(size)) * kMultiplier;
+  }
+  Walk *const walk = &walks_[hash / kWalks % kWalks];
+  const Sizes sizes{shape.count, shape.width, shape.height};
+  if (walk->sizes != sizes) {
+    walk->sizes = sizes;
+    walk->links.clear();
+    walk->end = 0;
+  }
+  return walk;
+}
+
 // Makes a walk right up to `limit`.
 void DistantBlobs::mend(const BlobShape &shape, std::int32_t limit, Walk *walk) {
   const float enough = highest(shape);
   std::vector<LinkCandidate> &links = walk->links;
-  mended_.clear();
+  LinkWalk mended{0, 0.0F, mended_.data()};
   std::size_t next = 0;
   while (next < links.size() && links[next].index < limit) {
     const LinkCandidate link = links[next++];
-    const float best = mended_.empty() ? 0.0F : mended_.back().score;
-    if (link.score <= best) continue;
+    if (link.score <= mended.best) continue;
     if (link.score > rows_.taken[at(link.index)]) {
-      mended_.push_back(link);
-    } else {
-      const std::int32_t end = next < links.size() ? links[next].index : walk->end;
-      go_on(shape, {link.index + 1, end}, std::min(link.score, enough));
+      *mended.next++ = link;
+      mended.best = link.score;
+      continue;
     }
+    const std::int32_t end = next < links.size() ? links[next].index : walk->end;
+    mended.row = link.index + 1;
+    walk_distant(*table_, rows_, shape, end, std::min(link.score, enough), &mended);
   }
   if (next == links.size() && walk->end < limit) {
-    walk->end = go_on(shape, {walk->end, limit}, enough);
+    mended.row = walk->end;
+    walk_distant(*table_, rows_, shape, limit, enough, &mended);
+    walk->end = mended.row;
   }
-  mended_.insert(mended_.end(), links.begin() + static_cast<std::ptrdiff_t>(next), links.end());
-  links.swap(mended_);
-}
-
-// Walks on over `rows` until a score of `enough`; returns where it ends.
-std::int32_t DistantBlobs::go_on(const BlobShape &shape, LinkRows rows, float enough) {
-  float best = mended_.empty() ? 0.0F : mended_.back().score;
-  while (best < enough && rows.begin < rows.end) {
-    const LinkCandidate link = next_distant(*table_, rows_, shape, rows, best);
-    rows.begin = link.index + 1;
-    if (link.index == rows.end) break;
-    mended_.push_back(link);
-    best = link.score;
-  }
-  return std::min(rows.begin, rows.end);
+  const auto passed = links.begin() + static_cast<std::ptrdiff_t>(next);
+  links.insert(links.erase(links.begin(), passed), mended_.data(), mended.next);
 }
 
 }  // namespace nox::pentracker

@@ -2,9 +2,7 @@
 #ifndef PENTRACKER_DISTANT_BLOBS_H_
 #define PENTRACKER_DISTANT_BLOBS_H_
 
-#include <cstddef>
 #include <cstdint>
-#include <unordered_map>
 #include <vector>
 
 #include "pentracker/blob_links.h"
@@ -21,6 +19,8 @@ namespace nox::pentracker {
 // it is kept and mended. And most blobs are soon taken by a near one, closed to distant ones.
 class DistantBlobs {
  public:
+  DistantBlobs();
+
   // Takes in the blobs of `table`, which has them in list order and outlives the frame, and the
   // scores of their successors so far.
   void build(BlobSpan earlier, const LinkColumns *table);
@@ -32,29 +32,27 @@ class DistantBlobs {
   void add_links(const LinkQuery &query, RisingLinks *links);
 
  private:
-  struct Key {
-    float pixel_count, width, height;
-    bool operator==(const Key &) const = default;
-  };
-  struct Hash {
-    std::size_t operator()(const Key &key) const;
+  struct Sizes {
+    float count, width, height;
+    bool operator==(const Sizes &) const = default;
   };
   // No open blob behind a link and before the next one (behind the last: before `end`; in front of
   // the first: at all) scores higher than that link. A link may be taken by now.
   struct Walk {
+    Sizes sizes{};  // of the new blob
     std::vector<LinkCandidate> links;
     std::int32_t end = 0;
   };
 
+  Walk *walk_of(const BlobShape &shape);
   float highest(const BlobShape &shape) const;
   void mend(const BlobShape &shape, std::int32_t limit, Walk *walk);
-  std::int32_t go_on(const BlobShape &shape, LinkRows rows, float enough);
 
   const LinkColumns *table_ = nullptr;
   DistantRows rows_;
-  std::int32_t open_placeless_ = 0;  // blobs without an expected place that are open
-  std::unordered_map<Key, Walk, Hash> walks_;
-  std::vector<LinkCandidate> mended_;
+  std::int32_t open_placeless_ = 0;    // blobs without an expected place that are open
+  std::vector<Walk> walks_;            // each at the hash of its sizes, one for another
+  std::vector<LinkCandidate> mended_;  // of the walk at hand
 };
 
 }  // namespace nox::pentracker

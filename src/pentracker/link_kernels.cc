@@ -136,15 +136,19 @@ HWY_INLINE void take_rising(hn::Mask<Floats> higher, FloatVector scores, LinkWal
   }
 }
 
+HWY_INLINE hn::Mask<Floats> rows_below(std::int32_t row, std::int32_t limit) {
+  const hn::RebindToSigned<Floats> rows;
+  return hn::RebindMask(Floats(), hn::Lt(hn::Iota(rows, row), hn::Set(rows, limit)));
+}
+
 void WalkAll(const LinkColumns &columns, const LinkQuery &query, std::int32_t limit, float enough,
              LinkWalk *result) {
   const Floats d;
-  const hn::RebindToSigned<Floats> rows;
   LinkWalk walk = *result;
   for (; walk.row < limit && walk.best < enough;
        walk.row += static_cast<std::int32_t>(hn::Lanes(d))) {
     const auto i = static_cast<std::size_t>(walk.row);
-    const auto inside = hn::RebindMask(d, hn::Lt(hn::Iota(rows, walk.row), hn::Set(rows, limit)));
+    const auto inside = rows_below(walk.row, limit);
     const FloatVector position =
         hn::Max(nearness(columns, i, query), hn::LoadU(d, &columns.least[i]));
     const FloatVector bound = hn::Mul(position, likeness(columns, i, query.shape));
@@ -158,25 +162,23 @@ void WalkAll(const LinkColumns &columns, const LinkQuery &query, std::int32_t li
   *result = walk;
 }
 
-LinkCandidate NextDistant(const LinkColumns &columns, const DistantRows &distant,
-                          const BlobShape &shape, LinkRows rows, float above) {
+void WalkDistant(const LinkColumns &columns, const DistantRows &distant, const BlobShape &shape,
+                 std::int32_t limit, float enough, LinkWalk *result) {
   const Floats d;
-  for (std::int32_t row = distant.open.next(rows.begin); row < rows.end;
-       row = distant.open.next(row + static_cast<std::int32_t>(hn::Lanes(d)))) {
-    const auto i = static_cast<std::size_t>(row);
+  LinkWalk walk = *result;
+  for (; walk.best < enough; walk.row += static_cast<std::int32_t>(hn::Lanes(d))) {
+    walk.row = distant.open.next(walk.row);
+    if (walk.row >= limit) break;
+    const auto i = static_cast<std::size_t>(walk.row);
     const FloatVector least = hn::LoadU(d, &columns.least[i]);
     const FloatVector bound = hn::Mul(least, likeness(columns, i, shape));
-    const FloatVector passed = hn::Max(hn::LoadU(d, &distant.taken[i]), hn::Set(d, above));
+    const FloatVector passed = hn::Max(hn::LoadU(d, &distant.taken[i]), hn::Set(d, walk.best));
     if (hn::AllFalse(d, hn::Gt(bound, passed))) continue;
     const FloatVector scores = exact_scores(columns, i, shape, least);
-    const std::intptr_t lane = hn::FindFirstTrue(d, hn::Gt(scores, passed));
-    if (lane < 0) continue;
-    if (row + lane >= rows.end) break;
-    HWY_ALIGN float score[kLanes];
-    hn::Store(scores, d, score);
-    return {row + static_cast<std::int32_t>(lane), score[lane]};
+    take_rising(hn::And(rows_below(walk.row, limit), hn::Gt(scores, passed)), scores, &walk);
   }
-  return {rows.end, 0.0F};
+  walk.row = std::min(walk.row, limit);
+  *result = walk;
 }
 
 }  // namespace
@@ -188,7 +190,7 @@ namespace nox::pentracker {
 
 HWY_EXPORT(LikelyNear);
 HWY_EXPORT(WalkAll);
-HWY_EXPORT(NextDistant);
+HWY_EXPORT(WalkDistant);
 
 std::int32_t likely_near(const LinkColumns &columns, const LinkQuery &query, float above,
                          LinkRows rows, LinkCandidate *out) {
@@ -200,9 +202,9 @@ void walk_all(const LinkColumns &columns, const LinkQuery &query, std::int32_t l
   HWY_DYNAMIC_DISPATCH(WalkAll)(columns, query, limit, enough, walk);
 }
 
-LinkCandidate next_distant(const LinkColumns &columns, const DistantRows &distant,
-                           const BlobShape &shape, LinkRows rows, float above) {
-  return HWY_DYNAMIC_DISPATCH(NextDistant)(columns, distant, shape, rows, above);
+void walk_distant(const LinkColumns &columns, const DistantRows &distant, const BlobShape &shape,
+                  std::int32_t limit, float enough, LinkWalk *walk) {
+  HWY_DYNAMIC_DISPATCH(WalkDistant)(columns, distant, shape, limit, enough, walk);
 }
 
 }  // namespace nox::pentracker

@@ -46,10 +46,9 @@ struct DistantRows {
   std::vector<float> taken;  // the score of the successor, kClosed if the row is not open
 };
 
-// The first of `rows` that, as a distant blob, scores above `above` and above what it is taken for,
-// with its exact score; the end of the rows and 0 if there is none.
-LinkCandidate next_distant(const LinkColumns &columns, const DistantRows &distant,
-                           const BlobShape &shape, LinkRows rows, float above);
+// The same, for a new blob far from all of them, over the open rows.
+void walk_distant(const LinkColumns &columns, const DistantRows &distant, const BlobShape &shape,
+                  std::int32_t limit, float enough, LinkWalk *walk);
 
 }  // namespace nox::pentracker
 

@@ -70,6 +70,26 @@ std::vector<LinkCandidate> plain_walk(const Table &table, const LinkQuery &query
   return taken;
 }
 
+// Walks over the rows, in two stages, and compares what is taken with a walk one by one.
+template <typename Walk>
+void expect_same_walk(const Table &table, LinkRows rows, float best,
+                      const std::vector<LinkCandidate> &plain, const Walk &walk) {
+  std::vector<LinkCandidate> taken(Table::at(table.columns.size));
+  LinkWalk state{rows.begin, best, taken.data()};
+  const std::int32_t middle = (rows.begin + rows.end) / 2;
+  walk(middle, &state);
+  if (state.best < 1.0F) {
+    EXPECT_EQ(state.row, middle);
+  }
+  walk(rows.end, &state);
+  ASSERT_EQ(state.next - taken.data(), static_cast<std::ptrdiff_t>(plain.size()));
+  for (std::size_t i = 0; i < plain.size(); ++i) {
+    EXPECT_EQ(taken[i].index, plain[i].index);
+    EXPECT_EQ(taken[i].score, plain[i].score);
+  }
+  EXPECT_EQ(state.best, plain.empty() ? best : plain.back().score);
+}
+
 LinkRows random_rows(std::int32_t count, Random *random) {
   const std::int32_t begin = random->between(0, count);
   return {begin, random->between(begin, count)};
@@ -93,29 +113,17 @@ class LinkKernelsTest : public hwy::TestWithParamTarget {
 
 HWY_TARGET_INSTANTIATE_TEST_SUITE_P(LinkKernelsTest);
 
-// Walks over the rows, in two stages, and compares what is taken with a walk one by one.
 TEST_P(LinkKernelsTest, WalkAllTakesWhatAWalkOneByOneTakes) {
   for_many([](const Table &table, const LinkQuery &query, LinkRows rows, float best) {
     const std::vector<LinkCandidate> plain = plain_walk(table, query, rows, best);
-    std::vector<LinkCandidate> taken(Table::at(table.columns.size));
-    LinkWalk state{rows.begin, best, taken.data()};
-    const std::int32_t middle = (rows.begin + rows.end) / 2;
-    pentracker::walk_all(table.columns, query, middle, 1.0F, &state);
-    if (state.best < 1.0F) {
-      EXPECT_EQ(state.row, middle);
-    }
-    pentracker::walk_all(table.columns, query, rows.end, 1.0F, &state);
-    ASSERT_EQ(state.next - taken.data(), static_cast<std::ptrdiff_t>(plain.size()));
-    for (std::size_t i = 0; i < plain.size(); ++i) {
-      EXPECT_EQ(taken[i].index, plain[i].index);
-      EXPECT_EQ(taken[i].score, plain[i].score);
-    }
-    EXPECT_EQ(state.best, plain.empty() ? best : plain.back().score);
+    expect_same_walk(table, rows, best, plain, [&](std::int32_t limit, LinkWalk *walk) {
+      pentracker::walk_all(table.columns, query, limit, 1.0F, walk);
+    });
   });
 }
 
-// Where no blob is near, the first open row that a walk takes is the next distant one.
-TEST_P(LinkKernelsTest, NextDistantIsTheFirstThatAWalkOneByOneTakes) {
+// Where no blob is near, both walks take the same.
+TEST_P(LinkKernelsTest, WalkDistantTakesWhatAWalkOneByOneTakes) {
   for_many([](const Table &near_table, const LinkQuery &query, LinkRows rows, float best) {
     Table table = near_table;
     const std::int32_t count = table.columns.size;
@@ -134,10 +142,9 @@ TEST_P(LinkKernelsTest, NextDistantIsTheFirstThatAWalkOneByOneTakes) {
       table.columns.put(i, i, *blob);
     }
     const std::vector<LinkCandidate> plain = plain_walk(table, query, rows, best);
-    const LinkCandidate next =
-        pentracker::next_distant(table.columns, distant, query.shape, rows, best);
-    EXPECT_EQ(next.index, plain.empty() ? rows.end : plain.front().index);
-    EXPECT_EQ(next.score, plain.empty() ? 0.0F : plain.front().score);
+    expect_same_walk(table, rows, best, plain, [&](std::int32_t limit, LinkWalk *walk) {
+      pentracker::walk_distant(table.columns, distant, query.shape, limit, 1.0F, walk);
+    });
   });
 }
 
