@@ -3,6 +3,7 @@
 #define NOX_VISUALS_CAMERA_CAMERA_H_
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,7 @@ struct CameraControl {
   std::uint32_t flags = 0;
   std::int64_t minimum = 0, maximum = 0, step = 1, default_value = 0;
   std::int64_t value = 0;
+  std::vector<std::int64_t> choices;  // of a menu: the values that it has
 };
 
 // A size and rate at which the camera delivers.
@@ -23,6 +25,7 @@ struct CameraMode {
   std::string format;  // its four characters, such as "MJPG"
   std::uint32_t width = 0, height = 0;
   double rate = 0;  // frames a second
+  bool operator==(const CameraMode &) const = default;
 };
 
 class Camera {
@@ -32,11 +35,30 @@ class Camera {
   Camera(const Camera &) = delete;
   Camera &operator=(const Camera &) = delete;
 
+  // Its driver, model and where it is plugged in: the same whatever its path is today.
+  virtual std::string identity() const = 0;
+
   virtual std::vector<CameraMode> modes() const = 0;
+
+  // In which it is or was last; none when it does not tell.
+  virtual std::optional<CameraMode> mode() const = 0;
 
   // All that can be read, with the values of now.
   virtual std::vector<CameraControl> controls() const = 0;
+
+  // Whether the driver took it, which is not to say that it did as told.
+  virtual bool set(std::uint32_t control, std::int64_t value) = 0;
+  virtual bool set_mode(const CameraMode &mode) = 0;
 };
+
+// The control among them, or null.
+const CameraControl *find_control(const std::vector<CameraControl> &controls, std::uint32_t id);
+const CameraControl *find_control(const std::vector<CameraControl> &controls,
+                                  const std::string &name);
+
+// Whether a program may set it at all. Inactive ones become active with another setting.
+bool is_writable(const CameraControl &control);
+bool is_active(const CameraControl &control);
 
 }  // namespace nox::app
 

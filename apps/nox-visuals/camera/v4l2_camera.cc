@@ -5,8 +5,11 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cctype>
 #include <cerrno>
+#include <cmath>
 #include <cstring>
 
 #include "nox-visuals/errors.h"
@@ -28,6 +31,19 @@ std::string four_characters(std::uint32_t format) {
   return text;
 }
 
+// Of text that has four characters.
+std::uint32_t format_code(const std::string &text) {
+  std::uint32_t code = 0;
+  for (std::uint32_t byte = 0; byte < 4; ++byte) {
+    code |= std::uint32_t{static_cast<unsigned char>(text[byte])} << 8 * byte;
+  }
+  return code;
+}
+
+std::string text_of(const std::uint8_t *bytes, std::size_t size) {
+  return {bytes, std::find(bytes, bytes + size, 0)};
+}
+
 double per_second(const v4l2_fract &interval) {
   return interval.numerator == 0 ? 0 : double{1} * interval.denominator / interval.numerator;
 }
@@ -44,6 +60,19 @@ bool has_one_value(std::uint32_t type) {
     default:
       return false;
   }
+}
+
+// Sizes that people and drivers are used to, for cameras that take any within bounds.
+constexpr std::array<std::array<std::uint32_t, 2>, 4> kUsualSizes = {
+    {{640, 360}, {640, 480}, {1280, 720}, {1920, 1080}}};
+
+bool takes(const v4l2_frmsize_stepwise &bounds, std::uint32_t width, std::uint32_t height) {
+  const auto fits = [](std::uint32_t size, std::uint32_t least, std::uint32_t most,
+                       std::uint32_t step) {
+    return size >= least && size <= most && (size - least) % std::max(step, 1U) == 0;
+  };
+  return fits(width, bounds.min_width, bounds.max_width, bounds.step_width) &&
+         fits(height, bounds.min_height, bounds.max_height, bounds.step_height);
 }
 
 }  // namespace
@@ -75,6 +104,13 @@ V4l2Camera::~V4l2Camera() {
   close(file_);
 }
 
+std::string V4l2Camera::identity() const {
+  v4l2_capability it{};
+  call(file_, VIDIOC_QUERYCAP, &it);
+  return text_of(it.driver, sizeof it.driver) + " " + text_of(it.card, sizeof it.card) + " " +
+         text_of(it.bus_info, sizeof it.bus_info);
+}
+
 std::vector<CameraMode> V4l2Camera::modes() const {
   std::vector<CameraMode> modes;
   v4l2_fmtdesc format{};
@@ -85,7 +121,8 @@ std::vector<CameraMode> V4l2Camera::modes() const {
   return modes;
 }
 
-// Of a camera that takes any size within bounds, the smallest and the largest stand for all.
+// Of a camera that takes any size within bounds, the smallest, the largest and the usual ones stand
+// for all.
 void V4l2Camera::add_sizes(std::uint32_t format, std::vector<CameraMode> *modes) const {
   v4l2_frmsizeenum size{};
   size.pixel_format = format;
@@ -94,6 +131,9 @@ void V4l2Camera::add_sizes(std::uint32_t format, std::vector<CameraMode> *modes)
       add_rates(format, size.discrete.width, size.discrete.height, modes);
     } else {
       add_rates(format, size.stepwise.min_width, size.stepwise.min_height, modes);
+      for (const auto &[width, height] : kUsualSizes) {
+        if (takes(size.stepwise, width, height)) add_rates(format, width, height, modes);
+      }
       add_rates(format, size.stepwise.max_width, size.stepwise.max_height, modes);
       return;
     }
@@ -114,6 +154,34 @@ void V4l2Camera::add_rates(std::uint32_t format, std::uint32_t width, std::uint3
   }
 }
 
+std::optional<CameraMode> V4l2Camera::mode() const {
+  v4l2_format format{};
+  format.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+  if (call(file_, VIDIOC_G_FMT, &format) < 0) return {};
+  v4l2_streamparm rate{};
+  rate.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+  const bool rated = call(file_, VIDIOC_G_PARM, &rate) == 0;
+  return CameraMode{four_characters(format.fmt.pix.pixelformat), format.fmt.pix.width,
+                    format.fmt.pix.height, rated ? per_second(rate.parm.capture.timeperframe) : 0};
+}
+
+bool V4l2Camera::set_mode(const CameraMode &mode) {
+  v4l2_format format{};
+  format.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+  format.fmt.pix.width = mode.width;
+  format.fmt.pix.height = mode.height;
+  format.fmt.pix.pixelformat = format_code(mode.format);
+  if (call(file_, VIDIOC_S_FMT, &format) < 0) return false;
+  if (mode.rate <= 0) return true;
+  constexpr double kDenominator = 1001;  // in which the rates of television are whole
+  v4l2_streamparm rate{};
+  rate.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+  rate.parm.capture.timeperframe = {
+      static_cast<std::uint32_t>(kDenominator),
+      static_cast<std::uint32_t>(std::lround(mode.rate * kDenominator))};
+  return call(file_, VIDIOC_S_PARM, &rate) == 0;
+}
+
 std::vector<CameraControl> V4l2Camera::controls() const {
   constexpr std::uint32_t kNext = V4L2_CTRL_FLAG_NEXT_CTRL;
   std::vector<CameraControl> controls;
@@ -128,10 +196,44 @@ std::vector<CameraControl> V4l2Camera::controls() const {
                           query.maximum,
                           static_cast<std::int64_t>(query.step),
                           query.default_value,
-                          0};
-    if (read_value(&control)) controls.push_back(control);
+                          0,
+                          {}};
+    if (!read_value(&control)) continue;
+    control.choices = menu_choices(control);
+    controls.push_back(control);
   }
   return controls;
+}
+
+std::vector<std::int64_t> V4l2Camera::menu_choices(const CameraControl &control) const {
+  std::vector<std::int64_t> choices;
+  const bool menu =
+      control.type == V4L2_CTRL_TYPE_MENU || control.type == V4L2_CTRL_TYPE_INTEGER_MENU;
+  for (std::int64_t i = control.minimum; menu && i <= control.maximum; ++i) {
+    v4l2_querymenu item{};
+    item.id = control.id;
+    item.index = static_cast<std::uint32_t>(i);
+    if (call(file_, VIDIOC_QUERYMENU, &item) == 0) choices.push_back(i);
+  }
+  return choices;
+}
+
+bool V4l2Camera::set(std::uint32_t control, std::int64_t value) {
+  v4l2_query_ext_ctrl query{};
+  query.id = control;
+  if (call(file_, VIDIOC_QUERY_EXT_CTRL, &query) < 0) return false;
+  v4l2_ext_control change{};
+  change.id = control;
+  if (query.type == V4L2_CTRL_TYPE_INTEGER64) {
+    change.value64 = value;
+  } else {
+    change.value = static_cast<std::int32_t>(value);
+  }
+  v4l2_ext_controls list{};
+  list.which = V4L2_CTRL_WHICH_CUR_VAL;
+  list.count = 1;
+  list.controls = &change;
+  return call(file_, VIDIOC_S_EXT_CTRLS, &list) == 0;
 }
 
 bool V4l2Camera::read_value(CameraControl *control) const {

@@ -8,6 +8,7 @@
 #include "nox-visuals/commands/pen_stream.h"
 #include "nox-visuals/commands/track_files.h"
 #include "nox-visuals/errors.h"
+#include "nox-visuals/options/camera_options.h"
 #include "nox-visuals/options/output_options.h"
 #include "nox-visuals/options/smoothing_options.h"
 #include "nox-visuals/options/source_options.h"
@@ -24,6 +25,7 @@ struct TrackOptions {
   OutputOptions outputs;
   bool mirror = false;
   bool swap_colours = false;
+  CameraOptions camera;
   std::string preview;     // launch description of a sink; empty: none
   std::string output_dir;  // empty: lines go to standard output
   bool again = false;
@@ -32,6 +34,7 @@ struct TrackOptions {
 PenStream make_pen_stream(const TrackOptions &options, const std::string &word) {
   PenStream it;
   it.source = parse_source(word, options.source.frames);
+  use_camera(options.camera, &it.source);
   it.word = word;
   it.retry = options.source.retry;
   it.swap_colours = options.swap_colours;
@@ -78,6 +81,7 @@ void add_track(CLI::App *program, Action *chosen) {
   add_stream_options(command, &options->source);
   command->add_flag("--mirror,!--no-mirror", options->mirror, "for a camera behind the surface");
   command->add_flag("--swap-colours", options->swap_colours, "for a pen that hovers red");
+  add_camera_options(command, &options->camera);
   add_smoothing_options(command, &options->smoothing);
   add_pen_output_options(command, &options->outputs);
   add_output_options(command, &options->outputs);

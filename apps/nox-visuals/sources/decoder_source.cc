@@ -6,16 +6,6 @@
 namespace nox::app {
 namespace {
 
-// An element that must be there, as GStreamer's own packages hold it.
-GstElement *make_element(const char *factory) {
-  GstElement *element = gst_element_factory_make(factory, nullptr);
-  if (element == nullptr) {
-    throw StreamError(std::string("GStreamer lacks the element ") + factory +
-                      "; install gstreamer1.0-plugins-base and gstreamer1.0-plugins-good");
-  }
-  return element;
-}
-
 bool has_prefix(const GstCaps *caps, const char *prefix) {
   return gst_caps_get_size(caps) > 0 &&
          g_str_has_prefix(gst_structure_get_name(gst_caps_get_structure(caps, 0)), prefix) != FALSE;
@@ -43,7 +33,7 @@ void demand_video(GstElement *decoder, gpointer ghost) {
 }
 
 // A bin around `decoder`, with the pad "src" that its video will leave by.
-GstElement *make_decoder_bin(GstElement *decoder) {
+GstElement *make_bin_around(GstElement *decoder) {
   GstElement *bin = gst_bin_new(nullptr);
   gst_bin_add(GST_BIN(bin), decoder);
   GstPad *ghost = gst_ghost_pad_new_no_target("src", GST_PAD_SRC);
@@ -56,10 +46,19 @@ GstElement *make_decoder_bin(GstElement *decoder) {
 
 }  // namespace
 
+GstElement *make_element(const char *factory) {
+  GstElement *element = gst_element_factory_make(factory, nullptr);
+  if (element == nullptr) {
+    throw StreamError(std::string("GStreamer lacks the element ") + factory +
+                      "; install gstreamer1.0-plugins-base and gstreamer1.0-plugins-good");
+  }
+  return element;
+}
+
 GstElement *make_address_bin(const std::string &uri) {
   GstElement *decoder = make_element("uridecodebin");
   g_object_set(decoder, "uri", uri.c_str(), nullptr);
-  return make_decoder_bin(decoder);
+  return make_bin_around(decoder);
 }
 
 GstElement *make_file_bin(const std::string &path) {
@@ -69,14 +68,11 @@ GstElement *make_file_bin(const std::string &path) {
   return make_address_bin(uri);
 }
 
-GstElement *make_camera_bin(const std::string &device) {
-  GstElement *camera = make_element("v4l2src");
+GstElement *make_decoder_bin(GstElement *source, GstCaps *filter) {
   GstElement *decoder = make_element("decodebin");
-  g_object_set(camera, "device", device.c_str(), nullptr);
-  GstElement *bin = make_decoder_bin(decoder);
-  gst_bin_add(GST_BIN(bin), camera);
-  const GstPointer<GstCaps> modes(gst_caps_from_string("video/x-raw; image/jpeg"));
-  gst_element_link_filtered(camera, decoder, modes.get());
+  GstElement *bin = make_bin_around(decoder);
+  gst_bin_add(GST_BIN(bin), source);
+  gst_element_link_filtered(source, decoder, filter);
   return bin;
 }
 

@@ -1,4 +1,4 @@
-// Sources that a decoder has to be found for: files, addresses and cameras.
+// Sources that a decoder has to be found for.
 #ifndef NOX_VISUALS_SOURCES_DECODER_SOURCE_H_
 #define NOX_VISUALS_SOURCES_DECODER_SOURCE_H_
 
@@ -12,7 +12,12 @@ namespace nox::app {
 // are not decoded. The bin posts an error when there is no video. Throws StreamError.
 GstElement *make_file_bin(const std::string &path);
 GstElement *make_address_bin(const std::string &uri);
-GstElement *make_camera_bin(const std::string &device);
+
+// The same of a stream that `source` brings with caps that `filter` allows.
+GstElement *make_decoder_bin(GstElement *source, GstCaps *filter);
+
+// An element that must be there, as GStreamer's own packages hold it. Throws StreamError.
+GstElement *make_element(const char *factory);
 
 }  // namespace nox::app
 

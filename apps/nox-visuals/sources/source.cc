@@ -2,6 +2,7 @@
 
 #include "nox-visuals/errors.h"
 #include "nox-visuals/gst_pointers.h"
+#include "nox-visuals/sources/camera_source.h"
 #include "nox-visuals/sources/decoder_source.h"
 #include "nox-visuals/sources/scene_source.h"
 
@@ -22,7 +23,7 @@ Source parse_path(const std::string &path) {
     throw StreamError(path + ": is a folder, not a video");
   }
   const bool camera = status.type() == std::filesystem::file_type::character;
-  return {camera ? SourceKind::kCamera : SourceKind::kFile, path, 0};
+  return {camera ? SourceKind::kCamera : SourceKind::kFile, path, 0, {}};
 }
 
 // Descriptions may end with the caps of raw video, which an element has to follow.
@@ -55,12 +56,12 @@ GstElement *make_described_bin(const std::string &description) {
 
 Source parse_source(const std::string &word, std::uint64_t frames) {
   if (word.starts_with(kScenePrefix)) {
-    return {SourceKind::kScene, word.substr(kScenePrefix.size()), frames};
+    return {SourceKind::kScene, word.substr(kScenePrefix.size()), frames, {}};
   }
   if (word.starts_with(kDescriptionPrefix)) {
-    return {SourceKind::kDescription, word.substr(kDescriptionPrefix.size()), 0};
+    return {SourceKind::kDescription, word.substr(kDescriptionPrefix.size()), 0, {}};
   }
-  if (gst_uri_is_valid(word.c_str()) != FALSE) return {SourceKind::kAddress, word, 0};
+  if (gst_uri_is_valid(word.c_str()) != FALSE) return {SourceKind::kAddress, word, 0, {}};
   return parse_path(word);
 }
 
@@ -81,7 +82,7 @@ GstElement *make_source_bin(const Source &source) {
     case SourceKind::kAddress:
       return make_address_bin(source.place);
     case SourceKind::kCamera:
-      return make_camera_bin(source.place);
+      return make_camera_bin(source.place, source.camera);
     case SourceKind::kScene:
       return make_scene_bin({source.place, source.frames});
     case SourceKind::kDescription:

@@ -6,7 +6,11 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
+
+#include "nox-visuals/camera/camera_settings.h"
+#include "nox-visuals/camera/mode_choice.h"
 
 namespace nox::app {
 
@@ -18,10 +22,17 @@ enum class SourceKind {
   kDescription,  // gst:DESCRIPTION
 };
 
+// How a camera is run.
+struct CameraUse {
+  std::optional<WantedMode> mode;  // none: the one that serves best
+  CameraSettings settings;         // set each time before it starts
+};
+
 struct Source {
   SourceKind kind = SourceKind::kFile;
   std::string place;         // the path, the URI, the scene's name or the description
   std::uint64_t frames = 0;  // of a scene; 0: without end
+  CameraUse camera;          // of a camera
 };
 
 // What `word` means. A word that means nothing, and a file or camera that is not there, throw

@@ -5,6 +5,8 @@
 #include <linux/videodev2.h>
 
 #include <algorithm>
+#include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,8 +21,13 @@ class FakeCamera : public Camera {
   FakeCamera(std::vector<CameraMode> modes, std::vector<CameraControl> controls)
       : modes_(std::move(modes)), controls_(std::move(controls)) {}
 
+  std::string identity() const override { return "a camera"; }
   std::vector<CameraMode> modes() const override { return modes_; }
+  std::optional<CameraMode> mode() const override { return {}; }
   std::vector<CameraControl> controls() const override { return controls_; }
+  // Who only looks sets nothing.
+  bool set(std::uint32_t, std::int64_t) override { throw std::logic_error("set"); }
+  bool set_mode(const CameraMode &) override { throw std::logic_error("set"); }
 
  private:
   std::vector<CameraMode> modes_;
@@ -28,7 +35,7 @@ class FakeCamera : public Camera {
 };
 
 CameraControl control(std::uint32_t id, const char *name, std::int64_t value) {
-  return {id, name, V4L2_CTRL_TYPE_INTEGER, 0, 3, 2047, 1, 250, value};
+  return {id, name, V4L2_CTRL_TYPE_INTEGER, 0, 0, 2047, 1, 250, value, {0, 1, 2, 3}};
 }
 
 const std::vector<CameraMode> kModes = {
@@ -55,8 +62,8 @@ TEST(CameraLook, SaysHowToSetWhatIsAutomatic) {
                control(V4L2_CID_SATURATION, "saturation", 300)});
   const auto said = lines(camera, 0.31);
   EXPECT_TRUE(has_line(said,
-                       "warn exposure automatic, 31 % above 170; try: v4l2-ctl -d /dev/video3 -c "
-                       "auto_exposure=1,exposure_time_absolute=30"));
+                       "warn exposure automatic, 31 % above 170; try: nox-visuals tune "
+                       "/dev/video3"));
   EXPECT_TRUE(has_line(said,
                        "warn white-balance automatic: it takes the glow for the light; try: "
                        "v4l2-ctl -d /dev/video3 -c white_balance_automatic=0"));
@@ -71,14 +78,15 @@ TEST(CameraLook, SaysHowToSetWhatIsAutomatic) {
 TEST(CameraLook, IsContentWithAFixedCamera) {
   const FakeCamera camera(kModes,
                           {control(V4L2_CID_EXPOSURE_AUTO, "auto_exposure", V4L2_EXPOSURE_MANUAL),
+                           control(V4L2_CID_EXPOSURE_ABSOLUTE, "exposure_time_absolute", 30),
                            control(V4L2_CID_AUTO_WHITE_BALANCE, "white_balance_automatic", 0),
                            control(V4L2_CID_AUTOGAIN, "gain_automatic", 0),
                            control(V4L2_CID_SATURATION, "saturation", 250)});
   EXPECT_EQ(lines(camera),
-            (std::vector<std::string>{
-                "ok   modes 3 modes, fastest YUYV 640x480 at 30 frames a second",
-                "ok   exposure manual", "ok   white-balance fixed", "ok   gain fixed",
-                "ok   saturation not above the driver's default"}));
+            (std::vector<std::string>{"ok   modes 3 modes, best YUYV 640x480 at 30 frames a second",
+                                      "ok   exposure manual", "ok   white-balance fixed",
+                                      "ok   gain fixed",
+                                      "ok   saturation not above the driver's default"}));
 }
 
 TEST(CameraLook, ACameraWithoutControlsIsSaidToHaveNone) {
@@ -93,9 +101,9 @@ TEST(CameraLook, ModesBelowTheWorkSizeDoNotCount) {
   };
   EXPECT_EQ(of_modes({}), "warn modes the camera lists none");
   EXPECT_EQ(of_modes({{"YUYV", 320, 240, 60}, {"YUYV", 447, 252, 60}}),
-            "warn modes 2 modes, none of at least 448x252; try: another camera");
+            "warn modes 2 modes, none in colour of at least 448x252; try: another camera");
   EXPECT_EQ(of_modes({{"MJPG", 1920, 1080, 15}}),
-            "warn modes 1 modes, fastest MJPG 1920x1080 at 15 frames a second; try: a camera with "
+            "warn modes 1 modes, best MJPG 1920x1080 at 15 frames a second; try: a camera with "
             "30 frames a second or more");
 }
 
