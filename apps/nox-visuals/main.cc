@@ -23,7 +23,7 @@ using nox::app::say;
 
 // In the order of --help.
 constexpr AddCommand kCommands[] = {
-    nox::app::add_track,   nox::app::add_scan,   nox::app::add_vectorize,
+    nox::app::add_track,   nox::app::add_scan,   nox::app::add_vectorize, nox::app::add_tune,
     nox::app::add_devices, nox::app::add_doctor, nox::app::add_demo,
 };
 

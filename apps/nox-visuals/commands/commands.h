@@ -21,6 +21,7 @@ void add_demo(CLI::App *program, Action *chosen);
 void add_doctor(CLI::App *program, Action *chosen);
 void add_scan(CLI::App *program, Action *chosen);
 void add_track(CLI::App *program, Action *chosen);
+void add_tune(CLI::App *program, Action *chosen);
 void add_vectorize(CLI::App *program, Action *chosen);
 
 }  // namespace nox::app
