@@ -40,6 +40,11 @@ void show_progress(const std::string &line) {
   std::fflush(stderr);
 }
 
+ProgressPause::ProgressPause() : lock_(mutex) {
+  clear_progress();
+  std::fflush(stderr);
+}
+
 int progress_columns() {
   constexpr int kUnknown = 80;
   winsize size{};

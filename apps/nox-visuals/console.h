@@ -2,6 +2,7 @@
 #ifndef NOX_VISUALS_CONSOLE_H_
 #define NOX_VISUALS_CONSOLE_H_
 
+#include <mutex>
 #include <string>
 
 namespace nox::app {
@@ -14,6 +15,16 @@ bool can_show_progress();
 
 // Replaces the line of progress by `line`; sentences go above it. An empty line removes it.
 void show_progress(const std::string &line);
+
+// While one lives, there is no line of progress: what goes to the same terminal starts at its left.
+// Nothing may be said meanwhile.
+class ProgressPause {
+ public:
+  ProgressPause();
+
+ private:
+  std::lock_guard<std::mutex> lock_;
+};
 
 // How many columns a line of progress may have.
 int progress_columns();

@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -12,9 +13,11 @@
 namespace nox::app {
 
 DescriptorOutput::DescriptorOutput(int descriptor, std::string name)
-    : descriptor_(descriptor), name_(std::move(name)) {}
+    : descriptor_(descriptor), name_(std::move(name)), is_terminal_(isatty(descriptor) == 1) {}
 
 bool DescriptorOutput::write_all(const std::string &text) {
+  std::optional<ProgressPause> pause;
+  if (is_terminal_) pause.emplace();
   std::string_view left = text;
   while (!left.empty()) {
     const ssize_t written = write(descriptor_, left.data(), left.size());

@@ -27,6 +27,7 @@ class DescriptorOutput : public Output {
 
   const int descriptor_;
   const std::string name_;
+  const bool is_terminal_;  // where the line of progress may stand
   std::uint64_t undelivered_ = 0;
   bool broken_ = false;
 };

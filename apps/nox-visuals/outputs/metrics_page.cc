@@ -51,7 +51,7 @@ std::string metrics_page(const std::string &stream, const Totals &totals,
   const std::array<Row, 6> rows = {{
       {"nox_frames_total", totals.frames, "Frames that were looked at."},
       {"nox_dropped_total", totals.dropped, "Frames left out because a newer one was there."},
-      {"nox_found_total", totals.found, "Frames with a pen."},
+      {"nox_found_total", totals.found, "Frames with a pen, or with a code."},
       {"nox_lost_total", totals.losses, "Times that the pen went."},
       {"nox_lost_pressed_total", totals.losses_pressed, "Times that it went while pressed."},
       {"nox_undelivered_total", totals.undelivered, "Messages that could not be delivered."},

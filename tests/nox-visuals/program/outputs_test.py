@@ -1,4 +1,5 @@
 """nox-visuals track to the tools that people use: TUIO, OSC, MQTT, metrics and a plot, all from one test scene."""
+import contextlib
 import os
 import shutil
 import socket
@@ -18,6 +19,9 @@ WITHOUT = subprocess.run([nox.PROGRAM, "--version"], stdout=subprocess.PIPE, tex
 
 def needs(option):
     return unittest.skipIf(option in WITHOUT, f"built without what {option} needs")
+
+
+needs_broker = unittest.skipUnless(MOSQUITTO and shutil.which("mosquitto_sub"), "no mosquitto here")
 
 
 def free_port(kind):
@@ -132,10 +136,10 @@ class Outputs(unittest.TestCase):
                 away = min(abs(pen["x"] - it[2]) + abs(pen["y"] - it[3]) for it in sets)
                 self.assertLess(away, 2e-6)
 
-    @needs("--metrics")
-    def test_metrics(self):
+    def read_metrics(self, *command):
+        """The values by their names, once the program has written 30 lines."""
         port = free_port(socket.SOCK_STREAM)
-        process = nox.start("track", "test:pen", "--name", "hall", "--metrics", str(port))
+        process = nox.start(*command, "--name", "hall", "--metrics", str(port))
         try:
             for _ in range(30):
                 self.assertTrue(process.stdout.readline())
@@ -145,11 +149,23 @@ class Outputs(unittest.TestCase):
             process.terminate()
             process.communicate(timeout=nox.PATIENCE)
         self.assertEqual(process.returncode, 0)
-        values = dict(line.rsplit(" ", 1) for line in page.splitlines() if not line.startswith("#"))
+        return dict(line.rsplit(" ", 1) for line in page.splitlines() if not line.startswith("#"))
+
+    @needs("--metrics")
+    def test_metrics(self):
+        values = self.read_metrics("track", "test:pen")
         # Lines go to this test through a queue; some of the counts may be one tick old.
         self.assertGreater(int(values['nox_found_total{stream="hall"}']), 20)
         self.assertGreaterEqual(int(values['nox_latency_seconds_count{stream="hall"}']), 20)
         self.assertEqual(values['nox_lost_total{stream="hall"}'], "0")
+
+    @needs("--metrics")
+    def test_metrics_of_codes(self):
+        values = self.read_metrics("scan", "test:qr")
+        found = int(values['nox_found_total{stream="hall"}'])
+        self.assertGreater(found, 5)
+        self.assertGreaterEqual(int(values['nox_frames_total{stream="hall"}']), found)
+        self.assertGreaterEqual(int(values['nox_latency_seconds_count{stream="hall"}']), 20)
 
     @needs("--plot")
     def test_plot(self):
@@ -159,27 +175,40 @@ class Outputs(unittest.TestCase):
                 self.assertEqual(file.read(len(first)), first)
         self.assertEqual(sorted(os.listdir(self.folder)), ["a.png", "a.svg"])
 
-    @needs("--mqtt")
-    @unittest.skipUnless(MOSQUITTO and shutil.which("mosquitto_sub"), "no mosquitto here")
-    def test_mqtt(self):
-        port = str(free_port(socket.SOCK_STREAM))
+    @contextlib.contextmanager
+    def broker(self):
+        """The port of a running broker."""
+        port = free_port(socket.SOCK_STREAM)
         with open(self.path("conf"), "w", encoding="utf-8") as file:
             file.write(f"listener {port} 127.0.0.1\nallow_anonymous true\n")
         broker = subprocess.Popen([MOSQUITTO, "-c", self.path("conf")], stderr=subprocess.DEVNULL)
         try:
-            self.wait_for_port(int(port))
-            process = nox.start("track", "test:pen", "--name", "hall", "--frames", "120", "--mqtt",
-                                f"mqtt://127.0.0.1:{port}/wall")
-            # It ends when it has seen all three.
-            seen = subprocess.run(["mosquitto_sub", "-h", "127.0.0.1", "-p", port, "-q", "1", "-C", "3", "-W", "60",
-                                   "-F", "%t %p", "-t", "wall/hall/press", "-t", "wall/hall/status"],
-                                  stdout=subprocess.PIPE, text=True, check=True).stdout.splitlines()
-            out, said = process.communicate(timeout=nox.PATIENCE)
-            late = subprocess.run(["mosquitto_sub", "-h", "127.0.0.1", "-p", port, "-C", "2", "-W", "60", "-F", "%t %p",
-                                   "-t", "wall/#"], stdout=subprocess.PIPE, text=True, check=True).stdout.splitlines()
+            self.wait_for_port(port)
+            yield str(port)
         finally:
             broker.terminate()
             broker.wait()
+
+    def subscribe(self, port, count, *topics):
+        """A subscriber that is there, and ends when it has seen so many messages."""
+        subprocess.run(["mosquitto_pub", "-h", "127.0.0.1", "-p", port, "-r", "-t", "ready", "-m", "ready"], check=True)
+        named = [it for topic in ("ready", *topics) for it in ("-t", topic)]
+        process = subprocess.Popen(["mosquitto_sub", "-h", "127.0.0.1", "-p", port, "-q", "1", "-C", str(count + 1), "-W",
+                                    "60", "-F", "%t %p", *named], stdout=subprocess.PIPE, text=True)
+        self.addCleanup(process.kill)
+        self.assertEqual(process.stdout.readline(), "ready ready\n")
+        return process
+
+    @needs("--mqtt")
+    @needs_broker
+    def test_mqtt(self):
+        with self.broker() as port:
+            subscriber = self.subscribe(port, 3, "wall/hall/press", "wall/hall/status")
+            process = nox.start("track", "test:pen", "--name", "hall", "--frames", "120", "--mqtt",
+                                f"mqtt://127.0.0.1:{port}/wall")
+            seen = subscriber.communicate(timeout=nox.PATIENCE)[0].splitlines()
+            out, said = process.communicate(timeout=nox.PATIENCE)
+            late = self.subscribe(port, 2, "wall/#").communicate(timeout=nox.PATIENCE)[0].splitlines()
         lines = out.splitlines()
         self.assertEqual((process.returncode, said), (0, ""))
         self.assertEqual(nox.parse(out)[-1]["undelivered"], 0)
@@ -189,6 +218,20 @@ class Outputs(unittest.TestCase):
         for press in presses:
             self.assertIn(press, lines, "each message is a line")
         self.assertEqual(sorted(late), [f"wall/hall/stats {lines[-1]}", "wall/hall/status offline"])
+
+    @needs("--mqtt")
+    @needs_broker
+    def test_mqtt_of_codes(self):
+        with self.broker() as port:
+            subscriber = self.subscribe(port, 4, "nox/desk/code", "nox/desk/status")
+            lines, said = nox.run("scan", "test:qr", "--name", "desk", "--unique", "--frames", "60", "--mqtt",
+                                  f"mqtt://127.0.0.1:{port}")
+            seen = subscriber.communicate(timeout=nox.PATIENCE)[0].splitlines()
+        self.assertEqual((said, lines[-1]["undelivered"]), ("", 0))
+        self.assertEqual((seen[0], seen[-1]), ("nox/desk/status online", "nox/desk/status offline"))
+        codes = [it.split(" ", 1) for it in seen[1:-1]]
+        self.assertEqual({topic for topic, _ in codes}, {"nox/desk/code"})
+        self.assertEqual([nox.parse(line + "\n")[0] for _, line in codes], nox.of_type(lines, "code"))
 
     def wait_for_port(self, port):
         for _ in range(600):

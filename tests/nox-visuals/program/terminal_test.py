@@ -22,10 +22,10 @@ def read_terminal(master):
         seen += part
 
 
-def run_in_terminal(*arguments):
-    """What the program writes to a terminal that is its standard error."""
+def run_in_terminal(*arguments, lines=False):
+    """What the program writes to a terminal that is its standard error, and with `lines` its standard output too."""
     master, slave = pty.openpty()
-    process = nox.start(*arguments, stderr=slave, stdout=subprocess.DEVNULL)
+    process = nox.start(*arguments, stderr=slave, stdout=slave if lines else subprocess.DEVNULL)
     os.close(slave)
     try:
         return read_terminal(master)
@@ -47,10 +47,17 @@ class Terminal(unittest.TestCase):
         self.assertRegex(seen, r"\[#*\.*\] +\d+ %, \d+ frames/s")
 
     def long_clip(self):
-        folder = os.path.join("/tmp", f"nox-terminal-{os.getpid()}")
-        os.makedirs(folder, exist_ok=True)
-        self.addCleanup(subprocess.run, ["rm", "-r", folder])
-        return nox.make_video(os.path.join(folder, "clip.webm"), frames=600)
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        return nox.make_video(os.path.join(folder.name, "clip.webm"), frames=600)
+
+    def test_lines_stand_above_the_progress(self):
+        seen = run_in_terminal("track", "test:pen", "--frames", "45", lines=True)
+        self.assertRegex(seen, r"\d+ frames, \d+ frames/s")
+        for line in seen.splitlines():
+            shown = line.split("\x1b[K")[-1]
+            if "{" in shown:
+                nox.parse(shown.lstrip("\r") + "\n")
 
     def test_sentences_stand_alone(self):
         seen = run_in_terminal("track", "/nowhere")
