@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
-#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -11,6 +10,7 @@
 #include "nox-visuals/commands/commands.h"
 #include "nox-visuals/commands/pen_stream.h"
 #include "nox-visuals/demo/clip.h"
+#include "nox-visuals/demo/codes.h"
 #include "nox-visuals/demo/drawing.h"
 #include "nox-visuals/demo/pen_path.h"
 #include "nox-visuals/demo/watched_edges.h"
@@ -36,19 +36,6 @@ constexpr int kHeight = 720;
 constexpr std::uint32_t kPenFrames = 450;
 constexpr std::uint32_t kCodeFrames = 90;
 constexpr std::size_t kCodes = 2;  // in the scene
-
-// In how many frames each payload was read.
-class CodeCounter final : public Output {
- public:
-  explicit CodeCounter(std::map<std::string, int> *counts) : counts_(counts) {}
-
-  void take(const Observation &observation) override {
-    if (const Code *code = std::get_if<Code>(&observation)) ++(*counts_)[code->bytes];
-  }
-
- private:
-  std::map<std::string, int> *counts_;
-};
 
 // The lines that a command would print, in a file, and `seen`, which is told the same.
 Outputs lines_and(const WholeFile &lines, const path &name, std::unique_ptr<Output> seen) {
@@ -94,20 +81,21 @@ int read_codes(const std::string &clip, const Chain::OpenOutputs &open_outputs) 
 bool show_codes(const path &folder) {
   const std::string clip = folder / "qr.webm";
   demo::write_clip({"qr", kCodeFrames, kWidth, kHeight}, clip);
-  demo::write_first_frame(clip, folder / "qr.png");
-  std::cout << "scan reads " << clip << " (" << kCodeFrames << " frames, as in qr.png; lines: "
-            << "qr.jsonl):" << std::endl;
+  std::cout << "scan reads " << clip << " (" << kCodeFrames << " frames; lines: qr.jsonl; codes in "
+            << "the first one: qr.png):" << std::endl;
   WholeFile lines(folder / "qr.jsonl");
-  std::map<std::string, int> counts;
+  demo::SeenCodes seen;
   const int status = read_codes(clip, [&](bool /*live*/) {
-    return lines_and(lines, folder / "qr.jsonl", std::make_unique<CodeCounter>(&counts));
+    return lines_and(lines, folder / "qr.jsonl", std::make_unique<demo::CodeRecorder>(&seen));
   });
   if (status != kDone) return false;
   lines.keep();
-  for (const auto &[text, count] : counts) {
-    std::cout << "  in " << count << " frames: " << text << '\n';
-  }
-  return counts.size() == kCodes;
+  demo::print(std::cout, seen.counts);
+  demo::draw_codes(clip, seen.first, folder / "qr.png");
+  std::cout << "noxqrdec, which the pipelines of others use, logs of the same clip:" << std::endl;
+  const demo::PayloadCounts logged = demo::logged_payloads(clip);
+  demo::print(std::cout, logged);
+  return seen.counts.size() == kCodes && logged.size() == kCodes;
 }
 
 // Rows of `wanted` frames, or of the last one when the video is shorter, in a picture.

@@ -7,12 +7,6 @@ namespace {
 
 const std::string kEncoder = "vp8enc deadline=1 cpu-used=8 target-bitrate=3000000 ! webmmux";
 
-// Names may hold what a launch description would take for its own.
-void set_location(GstElement *pipeline, const char *element, const std::string &path) {
-  const GstPointer<GstElement> it(gst_bin_get_by_name(GST_BIN(pipeline), element));
-  g_object_set(it.get(), "location", path.c_str(), nullptr);
-}
-
 }  // namespace
 
 GstPointer<GstElement> parse_pipeline(const std::string &description) {
@@ -32,6 +26,11 @@ GstPointer<GstElement> parse_pipeline_behind(GstElement *bin, const std::string 
   return pipeline;
 }
 
+void set_location(GstElement *pipeline, const char *element, const std::string &path) {
+  const GstPointer<GstElement> it(gst_bin_get_by_name(GST_BIN(pipeline), element));
+  g_object_set(it.get(), "location", path.c_str(), nullptr);
+}
+
 void run_to_end(GstElement *pipeline) {
   const GstPointer<GstBus> bus(gst_element_get_bus(pipeline));
   gst_element_set_state(pipeline, GST_STATE_PLAYING);
@@ -49,14 +48,6 @@ void write_clip(Scene scene, const std::string &path) {
   scene.live = false;
   const auto pipeline = parse_pipeline_behind(
       make_scene_bin(scene), "queue name=frames ! " + kEncoder + " ! filesink name=file", "frames");
-  set_location(pipeline.get(), "file", path);
-  run_to_end(pipeline.get());
-}
-
-void write_first_frame(const std::string &clip, const std::string &path) {
-  const auto pipeline = parse_pipeline(
-      "filesrc name=clip ! decodebin ! videoconvert ! pngenc snapshot=true ! filesink name=file");
-  set_location(pipeline.get(), "clip", clip);
   set_location(pipeline.get(), "file", path);
   run_to_end(pipeline.get());
 }

@@ -18,14 +18,15 @@ GstPointer<GstElement> parse_pipeline(const std::string &description);
 GstPointer<GstElement> parse_pipeline_behind(GstElement *bin, const std::string &description,
                                              const char *first);
 
+// Sets the file of an element, whose name may hold what a launch description would take for its
+// own.
+void set_location(GstElement *pipeline, const char *element, const std::string &path);
+
 // Runs it until its end. Throws StreamError.
 void run_to_end(GstElement *pipeline);
 
 // Encodes the frames of a scene into a WebM file. Throws StreamError.
 void write_clip(Scene scene, const std::string &path);
-
-// Writes the first frame of a video as a PNG file. Throws StreamError.
-void write_first_frame(const std::string &clip, const std::string &path);
 
 }  // namespace nox::app::demo
 

@@ -16,6 +16,12 @@ constexpr const char *kBoth =
     " t. ! queue ! appsink name=input sync=false max-buffers=2"
     " t. ! queue ! noxvectorizer ! appsink name=drawing sync=false max-buffers=2";
 
+void copy(const Picture &picture, int left, Canvas *canvas) {
+  for (int y = 0; y < picture.height(); ++y) {
+    for (int x = 0; x < picture.width(); ++x) canvas->mix(left + x, y, picture.color(x, y), 1.0F);
+  }
+}
+
 }  // namespace
 
 Player::Player(GstElement *source) : pipeline_(parse_pipeline_behind(source, kBoth, "first")) {
@@ -33,14 +39,26 @@ bool Player::next() {
   return true;
 }
 
+Canvas first_frame(const std::string &clip) {
+  const auto pipeline = parse_pipeline(
+      "filesrc name=clip ! decodebin ! videoconvert ! video/x-raw,format=I420 ! "
+      "appsink name=frame sync=false max-buffers=1");
+  set_location(pipeline.get(), "clip", clip);
+  const GstPointer<GstElement> sink(gst_bin_get_by_name(GST_BIN(pipeline.get()), "frame"));
+  gst_element_set_state(pipeline.get(), GST_STATE_PLAYING);
+  const SamplePtr sample(gst_app_sink_pull_sample(GST_APP_SINK(sink.get())));
+  gst_element_set_state(pipeline.get(), GST_STATE_NULL);
+  if (sample == nullptr) throw StreamError(clip + ": no frame came");
+  const Picture picture(sample.get());
+  Canvas canvas(picture.width(), picture.height());
+  copy(picture, 0, &canvas);
+  return canvas;
+}
+
 Canvas make_row(const Picture &input, const Picture &drawing) {
   Canvas row(2 * input.width(), input.height());
-  for (int y = 0; y < input.height(); ++y) {
-    for (int x = 0; x < input.width(); ++x) {
-      row.mix(x, y, input.color(x, y), 1.0F);
-      row.mix(input.width() + x, y, drawing.color(x, y), 1.0F);
-    }
-  }
+  copy(input, 0, &row);
+  copy(drawing, input.width(), &row);
   return row;
 }
 

@@ -80,6 +80,9 @@ class Player {
   SamplePtr drawing_sample_;
 };
 
+// The first frame of a video. Throws StreamError.
+scenes::Canvas first_frame(const std::string &clip);
+
 // Input and drawing side by side.
 scenes::Canvas make_row(const Picture &input, const Picture &drawing);
 
