@@ -10,7 +10,7 @@ namespace {
 // Few frames: enough that neither side waits for the other at every frame, and no memory to speak
 // of.
 constexpr const char *kHead =
-    "queue name=arrivals max-size-buffers=4 max-size-bytes=0 max-size-time=0 ! "
+    "queue name=arrivals silent=true max-size-buffers=4 max-size-bytes=0 max-size-time=0 ! "
     "videoconvert name=convert ! video/x-raw,format={ I420, A420 } ! ";
 
 }  // namespace
