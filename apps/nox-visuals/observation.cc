@@ -38,6 +38,7 @@ JsonObject fields(const Pen &pen, const std::string &stream) {
   json.boolean("pressed", pen.pressed);
   json.integer("stroke", pen.stroke);
   json.raw("raw", "[" + json_float(pen.raw[0]) + "," + json_float(pen.raw[1]) + "]");
+  if (pen.recovered) json.boolean("recovered", true);
   return json;
 }
 

@@ -34,8 +34,9 @@ struct Pen {
   Moment when;
   Point at;  // on the surface
   bool pressed = false;
-  std::array<float, 2> raw{};  // x and y as the element's event said them
+  std::array<float, 2> raw{};  // x and y as the element's event said them, or would have
   std::uint64_t stroke = 0;    // counts presses from 1; a hovering pen has that of the next press
+  bool recovered = false;      // the element did not find it: Recovery did
 };
 
 // The first frame without the pen that the frame before it had.

@@ -25,6 +25,13 @@ TEST(Observation, PenIsOneLine) {
             R"("x":0.594884,"y":0.713984,"pressed":true,"stroke":1,"raw":[0.404,0.712]})");
 }
 
+TEST(Observation, ARecoveredPenSaysSo) {
+  const Pen pen{{}, {0.5, 0.25}, true, {0.5F, 0.25F}, 3, true};
+  EXPECT_EQ(to_json(pen, "s"),
+            R"({"type":"pen","stream":"s","x":0.5,"y":0.25,"pressed":true,"stroke":3,)"
+            R"("raw":[0.5,0.25],"recovered":true})");
+}
+
 TEST(Observation, PlacesAreRoundedToSixDecimals) {
   const Pen pen{{}, {1.0 / 3, -1e-9}, false, {1.0F / 3, 0.0F}, 2};
   EXPECT_EQ(to_json(pen, "s"),

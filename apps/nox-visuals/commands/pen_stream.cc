@@ -28,6 +28,27 @@ GstPointer<GstElement> named(GstElement *pipeline, const char *name) {
   return GstPointer<GstElement>(gst_bin_get_by_name(GST_BIN(pipeline), name));
 }
 
+// Says once that a pressed pen was lost for longer than recovery waits for it.
+class LossAdvice {
+ public:
+  ~LossAdvice() { tell(); }
+
+  void look(const Observation &it) {
+    const Pen *pen = std::get_if<Pen>(&it);
+    if (pen != nullptr && !pen->recovered) tell();
+    const Loss *loss = std::get_if<Loss>(&it);
+    lost_ = loss != nullptr && loss->pressed;
+  }
+
+ private:
+  void tell() {
+    if (lost_ && !std::exchange(said_, true)) say(kLostPressed);
+  }
+
+  bool lost_ = false;  // while it was pressed, and not seen since
+  bool said_ = false;
+};
+
 // A file that somebody watches runs at its own pace, not as fast as it goes.
 void keep_pace(GstElement *pipeline) {
   g_object_set(named(pipeline, "pace").get(), "sync", TRUE, nullptr);
@@ -38,11 +59,12 @@ void keep_pace(GstElement *pipeline) {
 int follow_pen(PenStream pen_stream) {
   demand_module();
   Chain chain;
-  PenObserver observer(chain.counts(), [&chain, said = false](Observation it) mutable {
-    const Loss *loss = std::get_if<Loss>(&it);
-    if (loss != nullptr && loss->pressed && !std::exchange(said, true)) say(kLostPressed);
+  LossAdvice advice;
+  const auto push = [&](Observation it) {
+    advice.look(it);
     chain.push(std::move(it));
-  });
+  };
+  PenObserver observer(chain.counts(), push, pen_stream.recover);
   auto preview = pen_stream.preview ? std::make_unique<Preview>() : nullptr;
   StreamPlan plan;
   plan.source = pen_stream.source;

@@ -18,6 +18,7 @@ struct PenStream {
   Source source;
   std::string word;                    // the source as people named it
   std::optional<double> retry;         // as in StreamPlan
+  bool recover = true;                 // a pen that a bad frame lost
   bool swap_colours = false;           // the pen glows red while it hovers
   std::optional<std::string> preview;  // launch description of a sink to show the picture in
   std::vector<std::unique_ptr<Step>> steps;

@@ -24,6 +24,7 @@ struct TrackOptions {
   SmoothingOptions smoothing;
   OutputOptions outputs;
   bool mirror = false;
+  bool recover = true;
   bool swap_colours = false;
   CameraOptions camera;
   std::string preview;     // launch description of a sink; empty: none
@@ -37,6 +38,7 @@ PenStream make_pen_stream(const TrackOptions &options, const std::string &word) 
   use_camera(options.camera, &it.source);
   it.word = word;
   it.retry = options.source.retry;
+  it.recover = options.recover;
   it.swap_colours = options.swap_colours;
   if (!options.preview.empty()) it.preview = options.preview;
   it.steps = make_pen_steps(options.mirror, options.smoothing);
@@ -82,6 +84,8 @@ void add_track(CLI::App *program, Action *chosen) {
   command->add_flag("--mirror,!--no-mirror", options->mirror, "for a camera behind the surface");
   command->add_flag("--swap-colours", options->swap_colours, "for a pen that hovers red");
   add_camera_options(command, &options->camera);
+  command->add_flag("--recover,!--no-recover", options->recover,
+                    "picks up a pen that one bad frame lost; on");
   add_smoothing_options(command, &options->smoothing);
   add_pen_output_options(command, &options->outputs);
   add_output_options(command, &options->outputs);

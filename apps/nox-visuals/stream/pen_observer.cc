@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "nox-visuals/gst_pointers.h"
+#include "nox-visuals/stream/mapped_picture.h"
 
 namespace nox::app {
 namespace {
@@ -12,8 +13,10 @@ constexpr auto kEventOrBuffer =
 
 }  // namespace
 
-PenObserver::PenObserver(Counts *counts, std::function<void(Observation)> push)
-    : counts_(counts), push_(std::move(push)) {}
+PenObserver::PenObserver(Counts *counts, std::function<void(Observation)> push, bool recover)
+    : counts_(counts), push_(std::move(push)) {
+  if (recover) recovery_.emplace();
+}
 
 void PenObserver::attach(GstElement *tracker) {
   const GstPointer<GstPad> sink(gst_element_get_static_pad(tracker, "sink"));
@@ -24,6 +27,7 @@ void PenObserver::attach(GstElement *tracker) {
 
 void PenObserver::detach() {
   seen_.reset();
+  if (recovery_) recovery_->forget();
   const auto pts = frame_.pts_ns;
   frame_ = now();
   frame_.pts_ns = pts;
@@ -36,11 +40,10 @@ GstPadProbeReturn PenObserver::on_arrival(GstPad * /*pad*/, GstPadProbeInfo *inf
   return GST_PAD_PROBE_OK;
 }
 
-GstPadProbeReturn PenObserver::on_departure(GstPad * /*pad*/, GstPadProbeInfo *info,
-                                            gpointer observer) {
+GstPadProbeReturn PenObserver::on_departure(GstPad *pad, GstPadProbeInfo *info, gpointer observer) {
   auto *self = static_cast<PenObserver *>(observer);
   if ((info->type & GST_PAD_PROBE_TYPE_BUFFER) != 0) {
-    self->frame_left();
+    self->frame_left(pad, GST_PAD_PROBE_INFO_BUFFER(info));
   } else {
     self->event_left(GST_PAD_PROBE_INFO_EVENT(info));
   }
@@ -54,7 +57,7 @@ void PenObserver::frame_came(const GstBuffer *buffer) {
 
 void PenObserver::event_left(GstEvent *event) {
   if (gst_event_has_name(event, "NoxTrackingData") == FALSE) return;
-  Position position;
+  Sighting position;
   gboolean pressed = FALSE;
   gst_structure_get(gst_event_get_structure(event), "x", G_TYPE_FLOAT, &position.x, "y",
                     G_TYPE_FLOAT, &position.y, "pressed", G_TYPE_BOOLEAN, &pressed, nullptr);
@@ -62,12 +65,22 @@ void PenObserver::event_left(GstEvent *event) {
   seen_ = position;
 }
 
-void PenObserver::frame_left() {
+void PenObserver::recover(GstPad *pad, GstBuffer *buffer) {
+  if (seen_) {
+    recovery_->saw(*seen_);
+  } else if (recovery_->looks()) {
+    MappedPicture picture(pad, buffer);
+    if (picture.frame() != nullptr) seen_ = recovery_->look(*picture.frame());
+  }
+}
+
+void PenObserver::frame_left(GstPad *pad, GstBuffer *buffer) {
+  if (recovery_) recover(pad, buffer);
   const auto seen = std::exchange(seen_, std::nullopt);
   const auto before = std::exchange(pressed_, seen ? std::optional(seen->pressed) : std::nullopt);
   if (seen) {
     ++counts_->found;
-    push_(Pen{frame_, {}, seen->pressed, {seen->x, seen->y}, 0});
+    push_(Pen{frame_, {}, seen->pressed, {seen->x, seen->y}, 0, seen->recovered});
   } else if (before) {
     lose(*before);
   }

@@ -8,18 +8,21 @@
 #include <optional>
 
 #include "nox-visuals/observation.h"
+#include "nox-visuals/steps/recovery.h"
+#include "nox-visuals/steps/sighting.h"
 #include "nox-visuals/stream/counts.h"
 #include "nox-visuals/stream/observer.h"
 
 namespace nox::app {
 
 // The element sends an event ahead of each buffer that shows the pen: a probe on its source pad
-// joins the two, and sees from a buffer without one that the pen is lost.
+// joins the two, and sees from a buffer without one that the pen is lost. With recovery it looks
+// then at the buffer itself.
 class PenObserver final : public Observer {
  public:
   // `push` is called from the streaming thread, with Pen::at and Pen::stroke still unset. `counts`
   // must outlive it.
-  PenObserver(Counts *counts, std::function<void(Observation)> push);
+  PenObserver(Counts *counts, std::function<void(Observation)> push, bool recover = false);
 
   const char *element() const override { return "tracker"; }
   void attach(GstElement *tracker) override;
@@ -28,23 +31,19 @@ class PenObserver final : public Observer {
   void detach() override;
 
  private:
-  struct Position {
-    float x = 0;
-    float y = 0;
-    bool pressed = false;
-  };
-
   static GstPadProbeReturn on_arrival(GstPad *pad, GstPadProbeInfo *info, gpointer observer);
   static GstPadProbeReturn on_departure(GstPad *pad, GstPadProbeInfo *info, gpointer observer);
   void frame_came(const GstBuffer *buffer);
   void event_left(GstEvent *event);
-  void frame_left();
+  void frame_left(GstPad *pad, GstBuffer *buffer);
+  void recover(GstPad *pad, GstBuffer *buffer);
   void lose(bool pressed);
 
   Counts *counts_;
   std::function<void(Observation)> push_;
-  Moment frame_;                  // of the frame in the tracker
-  std::optional<Position> seen_;  // in this frame
+  Moment frame_;  // of the frame in the tracker
+  std::optional<Recovery> recovery_;
+  std::optional<Sighting> seen_;  // in this frame
   std::optional<bool> pressed_;   // of the pen in the frame before; none when it had none
 };
 

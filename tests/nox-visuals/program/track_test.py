@@ -49,6 +49,31 @@ class Track(nox.WithClip):
         self.assertIn("lost while it was pressed", said)
         self.assertEqual(said.count("\n"), 1, said)
 
+    def test_a_bad_frame_does_not_end_a_stroke(self):
+        """What is recovered lies where the tracker finds it in the same frames with their chroma planes exchanged."""
+        lossless = "videoconvert ! video/x-raw,format=I420 ! avimux"
+        size = 640 * 360 * 3 // 2
+        bad, lifted = 45, 85
+        raw = nox.draw("room dim speed=10", 100)
+        without = nox.draw("room dim pen=none", 1)
+        raw = raw[: bad * size] + without + raw[(bad + 1) * size :]
+        clip = nox.make_video(self.path("bad.avi"), raw=raw, encode=lossless)
+        lines, said = nox.run("track", clip)
+        self.assertEqual(said, "")
+        pens = nox.of_type(lines, "pen")
+        self.assertEqual(len(pens), 99)
+        recovered = [it for it in pens if it.get("recovered")]
+        self.assertEqual([round(it["pts"] * 30) for it in recovered], list(range(bad + 1, lifted)))
+        self.assertEqual({(it["pressed"], it["stroke"]) for it in recovered}, {(True, 1)})
+        # From the bad frame on, until the pen hovers.
+        exchanged = nox.make_video(self.path("exchanged.avi"), raw=raw[bad * size : lifted * size],
+                                   encode=lossless, layout="yv12")
+        other = nox.of_type(nox.run("track", exchanged, "--no-recover")[0], "pen")
+        self.assertEqual([it["raw"] for it in other], [it["raw"] for it in recovered])
+        lines, said = nox.run("track", clip, "--no-recover")
+        self.assertEqual(len(nox.of_type(lines, "pen")), 99 - len(recovered))
+        self.assertIn("lost while it was pressed", said)
+
     def test_swapped_colours_are_the_other_pen(self):
         """A clip whose chroma planes are exchanged, read with --swap-colours, is the clip."""
         raw = "videoconvert ! video/x-raw,format=I420 ! avimux"

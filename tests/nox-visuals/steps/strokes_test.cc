@@ -46,4 +46,21 @@ TEST(Strokes, CodesChangeNothing) {
             (Numbers{1, 1, 2, 2}));
 }
 
+Pen recovered() {
+  Pen it = pen(true);
+  it.recovered = true;
+  return it;
+}
+
+TEST(Strokes, ARecoveredPenGoesOnWithItsStroke) {
+  EXPECT_EQ(strokes({pen(true), recovered(), Loss{}, recovered(), pen(false), pen(true)}),
+            (Numbers{1, 1, 1, 2, 2}));
+  EXPECT_EQ(strokes({pen(true), Loss{}, recovered(), Loss{}, pen(true)}), (Numbers{1, 1, 2}));
+}
+
+TEST(Strokes, APenThatIsPressedWhileItIsLostBeginsOne) {
+  EXPECT_EQ(strokes({pen(true), pen(false), Loss{}, recovered(), recovered()}),
+            (Numbers{1, 2, 2, 2}));
+}
+
 }  // namespace
