@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <stdexcept>
+#include <type_traits>
 
 namespace nox::app {
 namespace {
@@ -21,6 +22,10 @@ lo_message to_lo(const OscMessage &message) {
   return made;
 }
 
+// Handles are void pointers up to liblo 0.31, pointers to types of their own from 0.32 on.
+template <typename Handle>
+using Owner = std::unique_ptr<std::remove_pointer_t<Handle>, void (*)(Handle)>;
+
 // Takes over what liblo has allocated.
 std::string take_bytes(void *bytes, std::size_t size) {
   const std::unique_ptr<void, void (*)(void *)> owner(bytes, std::free);
@@ -31,15 +36,14 @@ std::string take_bytes(void *bytes, std::size_t size) {
 }  // namespace
 
 std::string osc_packet(const OscMessage &message) {
-  const std::unique_ptr<void, void (*)(lo_message)> made(to_lo(message), lo_message_free);
+  const Owner<lo_message> made(to_lo(message), lo_message_free);
   std::size_t size = 0;
   void *bytes = lo_message_serialise(made.get(), message.path.c_str(), nullptr, &size);
   return take_bytes(bytes, size);
 }
 
 std::string osc_packet(const std::vector<OscMessage> &bundle) {
-  const std::unique_ptr<void, void (*)(lo_bundle)> made(lo_bundle_new(LO_TT_IMMEDIATE),
-                                                        lo_bundle_free_recursive);
+  const Owner<lo_bundle> made(lo_bundle_new(LO_TT_IMMEDIATE), lo_bundle_free_recursive);
   for (const OscMessage &message : bundle) {
     lo_bundle_add_message(made.get(), message.path.c_str(), to_lo(message));
   }
