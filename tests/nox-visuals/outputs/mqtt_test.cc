@@ -33,7 +33,8 @@ class Broker {
   Broker(const fs::path &folder, const std::string &more,
          std::uint16_t port = test::free_tcp_port())
       : port_(port), file_(folder / ("broker" + std::to_string(port) + ".conf")) {
-    std::ofstream(file_) << "listener " << port_ << " 127.0.0.1\n" << more;
+    // Started by root it would become a user who may not read the passwords.
+    std::ofstream(file_) << "user root\nlistener " << port_ << " 127.0.0.1\n" << more;
     start();
   }
 
