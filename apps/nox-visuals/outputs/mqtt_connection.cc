@@ -133,6 +133,8 @@ bool MqttConnection::Shared::attempt() {
                                 kKeepAliveSeconds);
   while (error == MOSQ_ERR_SUCCESS && !is_abandoned()) error = mosquitto_loop(client, kLoopMs, 1);
   const int system_error = errno;
+  // What the library says of TLS that fails behind its first look at it.
+  if (broker.tls && error == MOSQ_ERR_ERRNO && system_error == EPROTO) error = MOSQ_ERR_TLS;
   if (last_answer.value_or(0) != 0) {
     add({*last_answer == kBrokerUnavailable ? MqttEvent::kGone : MqttEvent::kRefused, 0,
          mosquitto_connack_string(*last_answer)});

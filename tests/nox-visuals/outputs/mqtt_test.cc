@@ -316,6 +316,13 @@ TEST_F(MqttTest, Tls) {
   with.broker.address.host = "localhost";
   with.broker.tls = true;
   EXPECT_THROW(open(with), OutputError) << "nobody vouches for this broker";
+  {
+    // The library notices it elsewhere when the certificate comes late.
+    const test::LateRelay relay(broker.port(), milliseconds(100));
+    with.broker.address.port = relay.port();
+    EXPECT_THROW(open(with), OutputError) << "nor for one that is slow";
+    with.broker.address.port = broker.port();
+  }
   with.broker.ca_file = folder_ / "none.pem";
   EXPECT_THROW(open(with), OutputError);
   with.broker.ca_file = certificate;

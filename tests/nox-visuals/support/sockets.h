@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <thread>
 
 #include "nox-visuals/outputs/address.h"
 
@@ -33,6 +34,27 @@ class UdpReceiver {
 // A port that was free a moment ago.
 std::uint16_t free_udp_port();
 std::uint16_t free_tcp_port();
+
+// Passes connections, one after the other, on to a server whose answers it holds back for a while.
+class LateRelay {
+ public:
+  LateRelay(std::uint16_t server, std::chrono::milliseconds delay);
+  ~LateRelay();
+  LateRelay(const LateRelay &) = delete;
+  LateRelay &operator=(const LateRelay &) = delete;
+
+  std::uint16_t port() const { return port_; }
+
+ private:
+  void run();
+  void pass_on(int client) const;
+
+  std::uint16_t server_;
+  std::chrono::milliseconds delay_;
+  std::uint16_t port_ = 0;
+  int listener_;
+  std::thread thread_;
+};
 
 // What a server answers to `request`, until it closes the connection.
 std::string ask(std::uint16_t port, const std::string &request);
