@@ -35,7 +35,8 @@ class Camera {
   Camera(const Camera &) = delete;
   Camera &operator=(const Camera &) = delete;
 
-  // Its driver, model and where it is plugged in: the same whatever its path is today.
+  // Its driver, model and where it is plugged in: the same whatever its path is today. Empty
+  // when it is gone.
   virtual std::string identity() const = 0;
 
   virtual std::vector<CameraMode> modes() const = 0;

@@ -106,7 +106,7 @@ V4l2Camera::~V4l2Camera() {
 
 std::string V4l2Camera::identity() const {
   v4l2_capability it{};
-  call(file_, VIDIOC_QUERYCAP, &it);
+  if (call(file_, VIDIOC_QUERYCAP, &it) < 0) return "";
   return text_of(it.driver, sizeof it.driver) + " " + text_of(it.card, sizeof it.card) + " " +
          text_of(it.bus_info, sizeof it.bus_info);
 }
