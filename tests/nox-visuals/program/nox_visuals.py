@@ -54,6 +54,10 @@ def launch(description, **options):
     subprocess.run(["gst-launch-1.0", "-q", *description.split()], check=True, **options)
 
 
+def has_elements(*names):
+    return all(subprocess.run(["gst-inspect-1.0", "--exists", name], check=False).returncode == 0 for name in names)
+
+
 def draw(scene, frames):
     """Raw I420 frames of a scene of the generator's, 640 by 360."""
     return subprocess.run([NOXSCENE, "--size", "640x360", "--frames", str(frames), *scene.split()],

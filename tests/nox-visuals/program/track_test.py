@@ -17,6 +17,18 @@ class Track(nox.WithClip):
         for index, it in enumerate(pens):
             self.assertAlmostEqual(it["pts"], index / 30, delta=0.0011)  # WebM counts milliseconds
 
+    @unittest.skipUnless(nox.has_elements("x264enc", "avdec_h264"), "no encoder or decoder of H.264")
+    def test_every_frame_of_h264_has_its_line(self):
+        """B-frames and all: the tracker sees them in the order in which they are shown."""
+        clip = nox.make_video(self.path("clip.mkv"), encode="x264enc speed-preset=veryfast ! h264parse ! matroskamux")
+        lines, said = nox.run("track", clip)
+        pens = nox.of_type(lines, "pen")
+        self.assertEqual((said, lines[-1]["frames"], len(pens)), ("", 60, 60))
+        self.assertEqual([it["pts"] for it in pens], sorted(it["pts"] for it in pens))
+        for one, other in zip(nox.of_type(nox.run("track", self.clip)[0], "pen"), pens):
+            self.assertAlmostEqual(one["x"], other["x"], delta=0.01)
+            self.assertAlmostEqual(one["y"], other["y"], delta=0.01)
+
     def test_places_on_the_surface(self):
         straight = nox.of_type(nox.run("track", self.clip)[0], "pen")
         mirrored = nox.of_type(nox.run("track", self.clip, "--mirror")[0], "pen")
