@@ -5,6 +5,7 @@
 #include "nox-visuals/console.h"
 #include "nox-visuals/outputs/preview.h"
 #include "nox-visuals/stream/chain.h"
+#include "nox-visuals/stream/hiding.h"
 #include "nox-visuals/stream/module.h"
 #include "nox-visuals/stream/pen_observer.h"
 #include "nox-visuals/stream/swapped_chroma.h"
@@ -65,16 +66,18 @@ int follow_pen(PenStream pen_stream) {
     chain.push(std::move(it));
   };
   PenObserver observer(chain.counts(), push, pen_stream.recover);
+  Hiding hiding(pen_stream.masks);
   auto preview = pen_stream.preview ? std::make_unique<Preview>() : nullptr;
   StreamPlan plan;
   plan.source = pen_stream.source;
   plan.word = pen_stream.word;
   plan.tail = tail(pen_stream.preview);
   plan.retry = pen_stream.retry;
-  plan.started = [swap = pen_stream.swap_colours, ring = preview.get()](GstElement *pipeline) {
+  plan.started = [&, swap = pen_stream.swap_colours, ring = preview.get()](GstElement *pipeline) {
     const auto tracker = named(pipeline, "tracker");
     const GstPointer<GstPad> sink(gst_element_get_static_pad(tracker.get(), "sink"));
     if (swap) swap_chroma(sink.get());
+    hiding.attach(sink.get(), [&observer] { return observer.pressed(); });
     if (ring != nullptr) ring->attach(pipeline);
   };
   return chain.run(std::move(plan), &observer, std::move(pen_stream.steps), [&](bool live) {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "nox-visuals/options/mask_options.h"
 #include "nox-visuals/outputs/output.h"
 #include "nox-visuals/sources/source.h"
 #include "nox-visuals/steps/step.h"
@@ -16,8 +17,9 @@ namespace nox::app {
 
 struct PenStream {
   Source source;
-  std::string word;                    // the source as people named it
-  std::optional<double> retry;         // as in StreamPlan
+  std::string word;             // the source as people named it
+  std::optional<double> retry;  // as in StreamPlan
+  MaskOptions masks;
   bool recover = true;                 // a pen that a bad frame lost
   bool swap_colours = false;           // the pen glows red while it hovers
   std::optional<std::string> preview;  // launch description of a sink to show the picture in

@@ -9,6 +9,7 @@
 #include "nox-visuals/commands/track_files.h"
 #include "nox-visuals/errors.h"
 #include "nox-visuals/options/camera_options.h"
+#include "nox-visuals/options/mask_options.h"
 #include "nox-visuals/options/output_options.h"
 #include "nox-visuals/options/smoothing_options.h"
 #include "nox-visuals/options/source_options.h"
@@ -24,6 +25,7 @@ struct TrackOptions {
   SmoothingOptions smoothing;
   OutputOptions outputs;
   bool mirror = false;
+  MaskOptions masks;
   bool recover = true;
   bool swap_colours = false;
   CameraOptions camera;
@@ -38,6 +40,7 @@ PenStream make_pen_stream(const TrackOptions &options, const std::string &word) 
   use_camera(options.camera, &it.source);
   it.word = word;
   it.retry = options.source.retry;
+  it.masks = options.masks;
   it.recover = options.recover;
   it.swap_colours = options.swap_colours;
   if (!options.preview.empty()) it.preview = options.preview;
@@ -86,6 +89,7 @@ void add_track(CLI::App *program, Action *chosen) {
   add_camera_options(command, &options->camera);
   command->add_flag("--recover,!--no-recover", options->recover,
                     "picks up a pen that one bad frame lost; on");
+  add_mask_options(command, &options->masks);
   add_smoothing_options(command, &options->smoothing);
   add_pen_output_options(command, &options->outputs);
   add_output_options(command, &options->outputs);

@@ -27,6 +27,9 @@ class PenObserver final : public Observer {
   const char *element() const override { return "tracker"; }
   void attach(GstElement *tracker) override;
 
+  // Whether the pen was pressed in the last frame. From the streaming thread.
+  bool pressed() const { return pressed_.value_or(false); }
+
   // A pen that the tracker saw is gone with it.
   void detach() override;
 
