@@ -36,6 +36,8 @@ class Blanking {
   using Spans = std::vector<Span>;  // by their rows
 
   static Spans spans_of(const PictureMask &mask);
+  static void blank(NoxVideoFrame *frame, int plane, const Spans &spans, std::uint8_t value);
+  void darken(NoxVideoFrame *frame, std::uint8_t darker) const;
 
   Spans luma_, chroma_;
 };

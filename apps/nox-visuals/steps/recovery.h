@@ -6,8 +6,8 @@
 // hovering one is found in the first frame. What it finds close to where the pen was last is that
 // pen. Anywhere else it may be any red thing, and too long after the loss as well.
 //
-// It starts anew with each loss. Fed in every frame it found the same pens in all scenes that
-// docs/pen-tracking.md tells of, for the price of a second tracker all the time.
+// It starts anew with each loss. Fed in every frame it found the same pens, for the price of a
+// second tracker all the time (docs/pen-tracking.md).
 #ifndef NOX_VISUALS_STEPS_RECOVERY_H_
 #define NOX_VISUALS_STEPS_RECOVERY_H_
 
