@@ -48,6 +48,13 @@ double per_second(const v4l2_fract &interval) {
   return interval.numerator == 0 ? 0 : double{1} * interval.denominator / interval.numerator;
 }
 
+// Of a camera that takes any rate within bounds: what is faster is the driver's bound more often
+// than the sensor's.
+double rate_within(const v4l2_frmival_stepwise &bounds) {
+  constexpr double kUsual = 60;
+  return std::max(std::min(kUsual, per_second(bounds.min)), per_second(bounds.max));
+}
+
 bool has_one_value(std::uint32_t type) {
   switch (type) {
     case V4L2_CTRL_TYPE_INTEGER:
@@ -148,7 +155,7 @@ void V4l2Camera::add_rates(std::uint32_t format, std::uint32_t width, std::uint3
   interval.height = height;
   for (; call(file_, VIDIOC_ENUM_FRAMEINTERVALS, &interval) == 0; ++interval.index) {
     const bool discrete = interval.type == V4L2_FRMIVAL_TYPE_DISCRETE;
-    const double rate = per_second(discrete ? interval.discrete : interval.stepwise.min);
+    const double rate = discrete ? per_second(interval.discrete) : rate_within(interval.stepwise);
     modes->push_back({four_characters(format), width, height, rate});
     if (!discrete) return;
   }
