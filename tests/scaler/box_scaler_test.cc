@@ -113,6 +113,17 @@ TEST_P(BoxScaler, FactorOneCopiesAndLeavesPadding) {
   expect_frame(1, 37, 9, 11, random);
 }
 
+TEST_P(BoxScaler, FourSamplesToOne) {
+  nox::test::Random random(57);
+  const Picture picture = make_picture(2, 2, Content::kNoise, random);
+  GuardedFrame src;
+  src.add(picture, 0);
+  GuardedFrame dst;
+  dst.add(1, 1, 0);
+  EXPECT_EQ(halve_scaler.process(nullptr, &src.record(), &dst.record()), 1);
+  dst.expect(0, nox::test::box_plain(picture, 2, 1, 1));
+}
+
 TEST_P(BoxScaler, FullHdHalved) {
   nox::test::Random random(56);
   const Picture picture = make_picture(1920, 1080, Content::kNoise, random);

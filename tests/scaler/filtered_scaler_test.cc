@@ -216,14 +216,14 @@ TEST_P(FilteredScaler, SidesBeyond65536Wrap) {
   if (!nox::test::quick()) expect_plane({8, 65600, 8, 65000}, Content::kNoise, 0);
 }
 
-TEST(FilteredScalerFrames, PlanesThatDoNotFitTheSelectionAreLeftAlone) {
+void expect_misfits_left_alone(int width, int height) {
   nox::test::Random random(45);
   Scaler scaler = {};
-  ASSERT_EQ(scaler_select(&scaler, {640, 480}, {448, 252}), 1);
+  ASSERT_EQ(scaler_select(&scaler, {width, height}, {448, 252}), 1);
   GuardedFrame src;
-  src.add(make_picture(640, 479, Content::kNoise, random), 0);
-  src.add(make_picture(319, 240, Content::kNoise, random), 0);
-  src.add(make_picture(320, 240, Content::kNoise, random), 0);
+  src.add(make_picture(width, height - 1, Content::kNoise, random), 0);
+  src.add(make_picture(width / 2 - 1, height / 2, Content::kNoise, random), 0);
+  src.add(make_picture(width / 2, height / 2, Content::kNoise, random), 0);
   GuardedFrame dst;
   dst.add(448, 252, 0);
   dst.add(224, 126, 0);
@@ -231,6 +231,14 @@ TEST(FilteredScalerFrames, PlanesThatDoNotFitTheSelectionAreLeftAlone) {
   scaler_process(&scaler, &src.record(), &dst.record());
   for (std::size_t p = 0; p < 3; ++p) dst.expect(p, {});
   scaler_destroy(&scaler);
+}
+
+TEST(FilteredScalerFrames, PlanesThatDoNotFitTheSelectionAreLeftAlone) {
+  expect_misfits_left_alone(640, 480);
+}
+
+TEST(FilteredScalerFrames, PlanesThatDoNotFitAreLeftAloneWhenHalvedFirstToo) {
+  expect_misfits_left_alone(3584, 2016);
 }
 
 TEST(FilteredScalerFrames, PlanesThatAreNotThereAreSkipped) {

@@ -207,6 +207,19 @@ TEST(ScalerProcess, WithTheNullImplementationLeavesTheDestination) {
   dst.expect(0, {});
 }
 
+TEST(ScalerProcess, OfADestroyedScalerLeavesTheDestination) {
+  nox::test::Random random(43);
+  GuardedFrame src;
+  src.add(nox::test::make_picture(640, 480, Content::kNoise, random), 0);
+  GuardedFrame dst;
+  dst.add(448, 252, 0);
+  Scaler scaler = {};
+  ASSERT_EQ(scaler_select(&scaler, {640, 480}, {448, 252}), 1);
+  scaler_destroy(&scaler);
+  scaler_process(&scaler, &src.record(), &dst.record());
+  dst.expect(0, {});
+}
+
 // A record has room for four, whatever it says.
 TEST(ScalerProcess, ResamplesFourPlanesAtMost) {
   nox::test::Random random(44);
