@@ -324,5 +324,20 @@ TEST(Vectorizer, DrawsIntoPlanesOfAnotherSize) {
   }
 }
 
+// Its planes' other rows are page.
+TEST(Vectorizer, DrawsIntoARecordThatTellsLessHeightThanItsPlanesHave) {
+  Random random(81);
+  const State state = new_state();
+  PlainVectorizer plain;
+  PlanarFrame in(kNoxFormatI420, 33, 21), out(kNoxFormatI420, 33, 21);
+  PlanarFrame expected(kNoxFormatI420, 33, 21);
+  in.randomize(&random);
+  NoxVideoFrame lower = out.get(), lower_expected = expected.get();
+  lower.height = lower_expected.height = 14;
+  plain.process(in.get(), lower_expected);
+  vectorizer_process(state.get(), &in.get(), &lower);
+  EXPECT_EQ(out.bytes(), expected.bytes());
+}
+
 }  // namespace
 }  // namespace nox::test
