@@ -24,8 +24,9 @@ std::string clock_time(double seconds) {
 
 std::string bar(double part, int width) {
   const auto done = static_cast<std::size_t>(std::lround(part * width));
-  return "[" + std::string(done, '#') + std::string(static_cast<std::size_t>(width) - done, '.') +
-         "]";
+  std::string drawn = "[";
+  drawn.append(done, '#').append(static_cast<std::size_t>(width) - done, '.');
+  return drawn + "]";
 }
 
 std::string rate(const ProgressState &state) {
