@@ -1,5 +1,6 @@
 // nox-visuals: what the module's elements see, for people and for the tools that they use.
 #include <gst/gst.h>
+#include <CLI/CLI.hpp>
 
 #include <csignal>
 #include <exception>

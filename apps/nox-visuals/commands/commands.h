@@ -2,9 +2,11 @@
 #ifndef NOX_VISUALS_COMMANDS_COMMANDS_H_
 #define NOX_VISUALS_COMMANDS_COMMANDS_H_
 
-#include <CLI/CLI.hpp>
-
 #include <functional>
+
+namespace CLI {
+class App;
+}
 
 namespace nox::app {
 

@@ -15,6 +15,7 @@
 #include "nox-visuals/demo/pen_path.h"
 #include "nox-visuals/demo/watched_edges.h"
 #include "nox-visuals/errors.h"
+#include "nox-visuals/options/command.h"
 #include "nox-visuals/outputs/json_lines.h"
 #include "nox-visuals/outputs/output_error.h"
 #include "nox-visuals/outputs/whole_file.h"
@@ -161,14 +162,13 @@ struct DemoOptions {
 }  // namespace
 
 void add_demo(CLI::App *program, Action *chosen) {
-  CLI::App *command = program->add_subcommand("demo", "shows what it sees in generated scenes");
+  Command command(program, "demo", "shows what it sees in generated scenes");
   const auto options = std::make_shared<DemoOptions>();
-  command->add_option("FOLDER", options->folder, "for pictures, clips and lines (demo-output)")
-      ->option_text("");
-  command->add_option("--clip", options->clip, "draws the edges of this video too")
-      ->option_text("F");
-  command->footer("Example: nox-visuals demo");
-  command->callback([chosen, options] {
+  command.option("FOLDER", &options->folder, "for pictures, clips and lines (demo-output)")
+      .value("");
+  command.option("--clip", &options->clip, "draws the edges of this video too").value("F");
+  command.example("nox-visuals demo");
+  command.when_chosen([chosen, options] {
     *chosen = [options] { return show_all(options->folder, options->clip); };
   });
 }

@@ -10,6 +10,7 @@
 #include "nox-visuals/errors.h"
 #include "nox-visuals/gst_pointers.h"
 #include "nox-visuals/json_object.h"
+#include "nox-visuals/options/command.h"
 
 namespace nox::app {
 namespace {
@@ -100,11 +101,11 @@ int list_devices(bool json) {
 }  // namespace
 
 void add_devices(CLI::App *program, Action *chosen) {
-  CLI::App *command = program->add_subcommand("devices", "lists cameras");
+  Command command(program, "devices", "lists cameras");
   const auto json = std::make_shared<bool>(false);
-  command->add_flag("--json", *json, "prints one JSON object a line");
-  command->footer("Example: nox-visuals devices");
-  command->callback([chosen, json] { *chosen = [json] { return list_devices(*json); }; });
+  command.flag("--json", json.get(), "prints one JSON object a line");
+  command.example("nox-visuals devices");
+  command.when_chosen([chosen, json] { *chosen = [json] { return list_devices(*json); }; });
 }
 
 }  // namespace nox::app

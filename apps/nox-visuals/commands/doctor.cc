@@ -10,6 +10,7 @@
 #include "nox-visuals/doctor/installation.h"
 #include "nox-visuals/doctor/scene_look.h"
 #include "nox-visuals/errors.h"
+#include "nox-visuals/options/command.h"
 #include "nox-visuals/sources/source.h"
 
 namespace nox::app {
@@ -55,13 +56,12 @@ int doctor(const DoctorOptions &options) {
 }  // namespace
 
 void add_doctor(CLI::App *program, Action *chosen) {
-  CLI::App *command = program->add_subcommand("doctor", "looks at what people stumble over");
+  Command command(program, "doctor", "looks at what people stumble over");
   const auto options = std::make_shared<DoctorOptions>();
-  command->add_option("SOURCE", options->word, "also looks at this file, camera or address")
-      ->option_text("");
-  command->add_flag("--json", options->json, "one JSON object a line");
-  command->footer("Example: nox-visuals doctor /dev/video0");
-  command->callback([chosen, options] { *chosen = [options] { return doctor(*options); }; });
+  command.option("SOURCE", &options->word, "also looks at this file, camera or address").value("");
+  command.flag("--json", &options->json, "one JSON object a line");
+  command.example("nox-visuals doctor /dev/video0");
+  command.when_chosen([chosen, options] { *chosen = [options] { return doctor(*options); }; });
 }
 
 }  // namespace nox::app

@@ -4,6 +4,7 @@
 
 #include "nox-visuals/commands/commands.h"
 #include "nox-visuals/options/code_options.h"
+#include "nox-visuals/options/command.h"
 #include "nox-visuals/options/output_options.h"
 #include "nox-visuals/options/source_options.h"
 #include "nox-visuals/outputs/outputs.h"
@@ -38,14 +39,14 @@ int scan(const ScanOptions &options) {
 }  // namespace
 
 void add_scan(CLI::App *program, Action *chosen) {
-  CLI::App *command = program->add_subcommand("scan", "reads QR codes");
+  Command command(program, "scan", "reads QR codes");
   const auto options = std::make_shared<ScanOptions>();
-  add_source_options(command, &options->source);
-  add_code_options(command, &options->codes);
-  command->add_flag("--raw", options->outputs.raw, "prints payloads instead of JSON");
-  add_output_options(command, &options->outputs);
-  command->footer("Example: nox-visuals scan /dev/video0 --unique=5");
-  command->callback([chosen, options] { *chosen = [options] { return scan(*options); }; });
+  add_source_options(&command, &options->source);
+  add_code_options(&command, &options->codes);
+  command.flag("--raw", &options->outputs.raw, "prints payloads instead of JSON");
+  add_output_options(&command, &options->outputs);
+  command.example("nox-visuals scan /dev/video0 --unique=5");
+  command.when_chosen([chosen, options] { *chosen = [options] { return scan(*options); }; });
 }
 
 }  // namespace nox::app

@@ -9,6 +9,7 @@
 #include "nox-visuals/commands/track_files.h"
 #include "nox-visuals/errors.h"
 #include "nox-visuals/options/camera_options.h"
+#include "nox-visuals/options/command.h"
 #include "nox-visuals/options/mask_options.h"
 #include "nox-visuals/options/output_options.h"
 #include "nox-visuals/options/smoothing_options.h"
@@ -79,27 +80,27 @@ int track(const TrackOptions &options) {
 }  // namespace
 
 void add_track(CLI::App *program, Action *chosen) {
-  CLI::App *command = program->add_subcommand("track", "follows a pen of light");
+  Command command(program, "track", "follows a pen of light");
   const auto options = std::make_shared<TrackOptions>();
-  command->add_option("SOURCE", options->words, "a file, a URI, /dev/videoN, test:pen, gst:...")
-      ->required();
-  add_stream_options(command, &options->source);
-  command->add_flag("--mirror,!--no-mirror", options->mirror, "for a camera behind the surface");
-  command->add_flag("--swap-colours", options->swap_colours, "for a pen that hovers red");
-  add_camera_options(command, &options->camera);
-  command->add_flag("--recover,!--no-recover", options->recover,
-                    "picks up a pen that one bad frame lost; on");
-  add_mask_options(command, &options->masks);
-  add_smoothing_options(command, &options->smoothing);
-  add_pen_output_options(command, &options->outputs);
-  add_output_options(command, &options->outputs);
-  command->add_flag("--preview{autovideosink}", options->preview, "shows the picture and the pen")
-      ->option_text("[=SINK]");
-  command->add_option("--output-dir", options->output_dir, "writes D/NAME.jsonl for each file")
-      ->option_text("D");
-  command->add_flag("--again", options->again, "does files anew that are done");
-  command->footer("Example: nox-visuals track /dev/video0 --tuio localhost");
-  command->callback([chosen, options] { *chosen = [options] { return track(*options); }; });
+  command.option("SOURCE", &options->words, "a file, a URI, /dev/videoN, test:pen, gst:...")
+      .required();
+  add_stream_options(&command, &options->source);
+  command.flag("--mirror,!--no-mirror", &options->mirror, "for a camera behind the surface");
+  command.flag("--swap-colours", &options->swap_colours, "for a pen that hovers red");
+  add_camera_options(&command, &options->camera);
+  command.flag("--recover,!--no-recover", &options->recover,
+               "picks up a pen that one bad frame lost; on");
+  add_mask_options(&command, &options->masks);
+  add_smoothing_options(&command, &options->smoothing);
+  add_pen_output_options(&command, &options->outputs);
+  add_output_options(&command, &options->outputs);
+  command.flag("--preview{autovideosink}", &options->preview, "shows the picture and the pen")
+      .value("[=SINK]");
+  command.option("--output-dir", &options->output_dir, "writes D/NAME.jsonl for each file")
+      .value("D");
+  command.flag("--again", &options->again, "does files anew that are done");
+  command.example("nox-visuals track /dev/video0 --tuio localhost");
+  command.when_chosen([chosen, options] { *chosen = [options] { return track(*options); }; });
 }
 
 }  // namespace nox::app

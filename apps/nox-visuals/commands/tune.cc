@@ -14,6 +14,7 @@
 #include "nox-visuals/errors.h"
 #include "nox-visuals/json_object.h"
 #include "nox-visuals/options/camera_options.h"
+#include "nox-visuals/options/command.h"
 #include "nox-visuals/sources/source.h"
 #include "nox-visuals/tune/running_camera.h"
 #include "nox-visuals/tune/tuner.h"
@@ -113,19 +114,18 @@ int tune(const TuneOptions &options) {
 }  // namespace
 
 void add_tune(CLI::App *program, Action *chosen) {
-  CLI::App *command = program->add_subcommand("tune", "sets a camera for a pen");
+  Command command(program, "tune", "sets a camera for a pen");
   const auto options = std::make_shared<TuneOptions>();
-  command->add_option("CAMERA", options->device, "/dev/videoN")->required()->option_text("");
-  add_mode_option(command, &options->mode);
-  command->add_option("--pen", options->pen_seconds, "waits so long for the pen (default 30)")
-      ->option_text("SECONDS")
-      ->check(CLI::NonNegativeNumber);
-  command->add_option("--output", options->output, "settings for track --camera-settings F")
-      ->option_text("F");
-  command->add_flag("--undo", options->undo, "sets the camera as it was before");
-  command->add_flag("--json", options->json, "one JSON object a line");
-  command->footer("Example: nox-visuals tune /dev/video0 --output camera.txt");
-  command->callback([chosen, options] { *chosen = [options] { return tune(*options); }; });
+  command.option("CAMERA", &options->device, "/dev/videoN").required().value("");
+  add_mode_option(&command, &options->mode);
+  command.option("--pen", &options->pen_seconds, "waits so long for the pen (default 30)")
+      .value("SECONDS")
+      .not_negative();
+  command.option("--output", &options->output, "settings for track --camera-settings F").value("F");
+  command.flag("--undo", &options->undo, "sets the camera as it was before");
+  command.flag("--json", &options->json, "one JSON object a line");
+  command.example("nox-visuals tune /dev/video0 --output camera.txt");
+  command.when_chosen([chosen, options] { *chosen = [options] { return tune(*options); }; });
 }
 
 }  // namespace nox::app

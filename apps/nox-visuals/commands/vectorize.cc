@@ -7,6 +7,7 @@
 
 #include "nox-visuals/commands/commands.h"
 #include "nox-visuals/errors.h"
+#include "nox-visuals/options/command.h"
 #include "nox-visuals/options/output_options.h"
 #include "nox-visuals/options/source_options.h"
 #include "nox-visuals/outputs/outputs.h"
@@ -92,14 +93,14 @@ int vectorize(const VectorizeOptions &options) {
 }  // namespace
 
 void add_vectorize(CLI::App *program, Action *chosen) {
-  CLI::App *command = program->add_subcommand("vectorize", "draws lasting edges");
+  Command command(program, "vectorize", "draws lasting edges");
   const auto options = std::make_shared<VectorizeOptions>();
-  add_source_options(command, &options->source);
-  command->add_option("--output", options->output, "writes the drawing (VP8) to this file")
-      ->option_text("F.webm|F.mkv");
-  command->add_flag("--preview{autovideosink}", options->preview, "shows the drawing");
-  command->footer("Example: nox-visuals vectorize clip.mp4 --output drawing.webm");
-  command->callback([chosen, options] { *chosen = [options] { return vectorize(*options); }; });
+  add_source_options(&command, &options->source);
+  command.option("--output", &options->output, "writes the drawing (VP8) to this file")
+      .value("F.webm|F.mkv");
+  command.flag("--preview{autovideosink}", &options->preview, "shows the drawing");
+  command.example("nox-visuals vectorize clip.mp4 --output drawing.webm");
+  command.when_chosen([chosen, options] { *chosen = [options] { return vectorize(*options); }; });
 }
 
 }  // namespace nox::app

@@ -7,25 +7,19 @@
 
 namespace nox::app {
 
-void add_mode_option(CLI::App *command, std::optional<WantedMode> *mode) {
-  command
-      ->add_option_function<std::string>(
-          "--mode",
-          [mode](const std::string &word) {
-            *mode = parse_mode(word);
-            if (!*mode) {
-              throw CLI::ValidationError("--mode",
-                                         "takes WxH@R as in 640x480@30, not '" + word + "'");
-            }
-          },
-          "of the camera (default: the fastest that serves)")
-      ->option_text("WxH@R");
+void add_mode_option(Command *command, std::optional<WantedMode> *mode) {
+  const TakeWord take = [mode](const std::string &word) {
+    *mode = parse_mode(word);
+    if (!*mode) throw UsageError("--mode: takes WxH@R as in 640x480@30, not '" + word + "'");
+  };
+  command->option("--mode", take, "of the camera (default: the fastest that serves)")
+      .value("WxH@R");
 }
 
-void add_camera_options(CLI::App *command, CameraOptions *options) {
+void add_camera_options(Command *command, CameraOptions *options) {
   add_mode_option(command, &options->mode);
-  command->add_option("--camera-settings", options->settings, "sets the camera as tune has found")
-      ->option_text("F");
+  command->option("--camera-settings", &options->settings, "sets the camera as tune has found")
+      .value("F");
 }
 
 void use_camera(const CameraOptions &options, Source *source) {

@@ -2,12 +2,11 @@
 #ifndef NOX_VISUALS_OPTIONS_CAMERA_OPTIONS_H_
 #define NOX_VISUALS_OPTIONS_CAMERA_OPTIONS_H_
 
-#include <CLI/CLI.hpp>
-
 #include <optional>
 #include <string>
 
 #include "nox-visuals/camera/mode_choice.h"
+#include "nox-visuals/options/command.h"
 #include "nox-visuals/sources/source.h"
 
 namespace nox::app {
@@ -18,14 +17,14 @@ struct CameraOptions {
 };
 
 // Adds --mode and --camera-settings.
-void add_camera_options(CLI::App *command, CameraOptions *options);
+void add_camera_options(Command *command, CameraOptions *options);
 
 // Puts them into the source. The mode of the command line holds against the file's. Throws
 // UsageError when the source is no camera, or the file is broken.
 void use_camera(const CameraOptions &options, Source *source);
 
 // Adds --mode alone.
-void add_mode_option(CLI::App *command, std::optional<WantedMode> *mode);
+void add_mode_option(Command *command, std::optional<WantedMode> *mode);
 
 }  // namespace nox::app
 

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "nox-visuals/errors.h"
 #include "nox-visuals/readers/readers.h"
 
 namespace nox::app {
@@ -13,8 +14,8 @@ void set_unique(const std::string &word, CodeOptions *options) {
   double seconds = 0;
   options->unique = true;
   if (word == kGiven) return;
-  if (!CLI::detail::lexical_cast(word, seconds) || !(seconds > 0)) {
-    throw CLI::ValidationError("takes seconds above 0, not '" + word + "'");
+  if (!read_number(word, &seconds) || !(seconds > 0)) {
+    throw UsageError("--unique: takes seconds above 0, not '" + word + "'");
   }
   options->pause = seconds;
 }
@@ -36,16 +37,15 @@ std::string check_reader(const std::string &word) {
 
 }  // namespace
 
-void add_code_options(CLI::App *command, CodeOptions *options) {
-  command->add_option("--reader", options->reader, "who reads the codes (default all)")
-      ->option_text(joined(reader_words()))
-      ->check(CLI::Validator(check_reader, "", "reader"));
+void add_code_options(Command *command, CodeOptions *options) {
+  command->option("--reader", &options->reader, "who reads the codes (default all)")
+      .value(joined(reader_words()))
+      .check(check_reader);
   // A flag takes a value only behind =, so that a SOURCE may follow it.
   const std::string description = "says a code once, or again after SECONDS out of view";
-  command->add_flag("--unique", description)
-      ->option_text("[=SECONDS]")
-      ->each([options](const std::string &word) { set_unique(word, options); });
-  command->add_flag("--one", options->one, "ends after the first code");
+  const TakeWord take = [options](const std::string &word) { set_unique(word, options); };
+  command->flag("--unique", take, description).value("[=SECONDS]");
+  command->flag("--one", &options->one, "ends after the first code");
 }
 
 }  // namespace nox::app

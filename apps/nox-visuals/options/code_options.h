@@ -2,10 +2,10 @@
 #ifndef NOX_VISUALS_OPTIONS_CODE_OPTIONS_H_
 #define NOX_VISUALS_OPTIONS_CODE_OPTIONS_H_
 
-#include <CLI/CLI.hpp>
-
 #include <optional>
 #include <string>
+
+#include "nox-visuals/options/command.h"
 
 namespace nox::app {
 
@@ -17,7 +17,7 @@ struct CodeOptions {
 };
 
 // Adds --reader, --unique and --one.
-void add_code_options(CLI::App *command, CodeOptions *options);
+void add_code_options(Command *command, CodeOptions *options);
 
 }  // namespace nox::app
 

@@ -1,5 +1,7 @@
 #include "nox-visuals/options/config_file.h"
 
+#include <CLI/CLI.hpp>
+
 #include <cerrno>
 #include <cstring>
 #include <fstream>

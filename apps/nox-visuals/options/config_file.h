@@ -2,7 +2,9 @@
 #ifndef NOX_VISUALS_OPTIONS_CONFIG_FILE_H_
 #define NOX_VISUALS_OPTIONS_CONFIG_FILE_H_
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}
 
 namespace nox::app {
 

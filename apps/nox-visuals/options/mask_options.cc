@@ -1,30 +1,33 @@
 #include "nox-visuals/options/mask_options.h"
 
+#include <cmath>
+
 namespace nox::app {
 namespace {
 
 std::string check_darken(const std::string &word) {
-  int number = 0;
+  double number = 0;
   if (word == "auto") return "";
-  if (CLI::detail::lexical_cast(word, number) && number >= 0 && number <= 255) return "";
+  if (read_number(word, &number) && number >= 0 && number <= 255 && std::trunc(number) == number) {
+    return "";
+  }
   return "expected auto or a number from 0 to 255, not '" + word + "'";
 }
 
 }  // namespace
 
-void add_mask_options(CLI::App *command, MaskOptions *options) {
-  command->add_option("--mask", options->mask, "a picture: what is black is ignored")
-      ->option_text("F.png");
-  CLI::Option *learn =
-      command->add_option("--mask-learn", options->learn_seconds, "learns one; show no pen then")
-          ->option_text("SECONDS")
-          ->check(CLI::PositiveNumber);
-  command->add_option("--mask-output", options->output, "keeps the mask that was learned")
-      ->option_text("F.png")
-      ->needs(learn);
-  command->add_option("--darken", options->darken, "takes N from luma, for bright walls")
-      ->option_text("N|auto")
-      ->check(CLI::Validator(check_darken, "", "darken"));
+void add_mask_options(Command *command, MaskOptions *options) {
+  command->option("--mask", &options->mask, "a picture: what is black is ignored").value("F.png");
+  const Option learn =
+      command->option("--mask-learn", &options->learn_seconds, "learns one; show no pen then")
+          .value("SECONDS")
+          .positive();
+  command->option("--mask-output", &options->output, "keeps the mask that was learned")
+      .value("F.png")
+      .needs(learn);
+  command->option("--darken", &options->darken, "takes N from luma, for bright walls")
+      .value("N|auto")
+      .check(check_darken);
 }
 
 }  // namespace nox::app

@@ -2,9 +2,9 @@
 #ifndef NOX_VISUALS_OPTIONS_MASK_OPTIONS_H_
 #define NOX_VISUALS_OPTIONS_MASK_OPTIONS_H_
 
-#include <CLI/CLI.hpp>
-
 #include <string>
+
+#include "nox-visuals/options/command.h"
 
 namespace nox::app {
 
@@ -16,7 +16,7 @@ struct MaskOptions {
 };
 
 // Adds --mask, --mask-learn, --mask-output and --darken.
-void add_mask_options(CLI::App *command, MaskOptions *options);
+void add_mask_options(Command *command, MaskOptions *options);
 
 }  // namespace nox::app
 

@@ -2,10 +2,10 @@
 #ifndef NOX_VISUALS_OPTIONS_OUTPUT_OPTIONS_H_
 #define NOX_VISUALS_OPTIONS_OUTPUT_OPTIONS_H_
 
-#include <CLI/CLI.hpp>
-
 #include <string>
 #include <vector>
+
+#include "nox-visuals/options/command.h"
 
 namespace nox::app {
 
@@ -27,10 +27,10 @@ struct OutputOptions {
 };
 
 // Adds --tuio, --osc and --plot: what only makes sense for a pen.
-void add_pen_output_options(CLI::App *command, OutputOptions *options);
+void add_pen_output_options(Command *command, OutputOptions *options);
 
 // Adds --mqtt with what belongs to it, and --metrics.
-void add_output_options(CLI::App *command, OutputOptions *options);
+void add_output_options(Command *command, OutputOptions *options);
 
 }  // namespace nox::app
 

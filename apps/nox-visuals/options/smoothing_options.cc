@@ -2,12 +2,12 @@
 
 namespace nox::app {
 
-void add_smoothing_options(CLI::App *command, SmoothingOptions *options) {
-  command->add_option("--debounce", options->debounce_ms, "a change of pressed counts if it lasts")
-      ->option_text("MS")
-      ->check(CLI::NonNegativeNumber);
-  command->add_flag("--smooth{usual}", options->smooth, "takes out tremble")
-      ->option_text("[=FMIN,BETA,DCUT]");
+void add_smoothing_options(Command *command, SmoothingOptions *options) {
+  command->option("--debounce", &options->debounce_ms, "a change of pressed counts if it lasts")
+      .value("MS")
+      .not_negative();
+  command->flag("--smooth{usual}", &options->smooth, "takes out tremble")
+      .value("[=FMIN,BETA,DCUT]");
 }
 
 }  // namespace nox::app

@@ -2,9 +2,9 @@
 #ifndef NOX_VISUALS_OPTIONS_SMOOTHING_OPTIONS_H_
 #define NOX_VISUALS_OPTIONS_SMOOTHING_OPTIONS_H_
 
-#include <CLI/CLI.hpp>
-
 #include <string>
+
+#include "nox-visuals/options/command.h"
 
 namespace nox::app {
 
@@ -13,7 +13,7 @@ struct SmoothingOptions {
   std::string smooth;      // FMIN,BETA,DCUT or "usual"; empty: off
 };
 
-void add_smoothing_options(CLI::App *command, SmoothingOptions *options);
+void add_smoothing_options(Command *command, SmoothingOptions *options);
 
 }  // namespace nox::app
 

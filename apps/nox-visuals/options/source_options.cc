@@ -6,6 +6,8 @@
 #include <cctype>
 #include <filesystem>
 
+#include "nox-visuals/errors.h"
+
 namespace nox::app {
 namespace {
 
@@ -13,7 +15,7 @@ bool is_name_character(char c) {
   return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '-' || c == '_';
 }
 
-// An empty string when `name` is a name, else what is wrong with it, as CLI11 wants it.
+// An empty string when `name` is a name, else what is wrong with it.
 std::string check_name(const std::string &name) {
   const bool right = !name.empty() && std::all_of(name.begin(), name.end(), is_name_character);
   return right ? "" : "a name has letters, digits, - and _ only, not '" + name + "'";
@@ -31,10 +33,10 @@ void set_retry(const std::string &word, std::optional<double> *retry) {
   double seconds = 0;
   if (word == "never") {
     retry->reset();
-  } else if (CLI::detail::lexical_cast(word, seconds) && seconds > 0) {
+  } else if (read_number(word, &seconds) && seconds > 0) {
     *retry = seconds;
   } else {
-    throw CLI::ValidationError("--retry", "takes seconds above 0, or never; not '" + word + "'");
+    throw UsageError("--retry: takes seconds above 0, or never; not '" + word + "'");
   }
 }
 
@@ -53,26 +55,22 @@ std::string as_name(const std::string &text) {
   return name;
 }
 
-void add_stream_options(CLI::App *command, SourceOptions *options) {
-  command->add_option("--name", options->name, "of the stream (default: host and source)")
-      ->option_text("S")
-      ->check(CLI::Validator(check_name, "", "name"));
-  command->add_option("--frames", options->frames, "ends a test scene after so many")
-      ->option_text("N")
-      ->check(CLI::PositiveNumber);
-  command
-      ->add_option_function<std::string>(
-          "--retry", [options](const std::string &word) { set_retry(word, &options->retry); },
-          "longest wait for a source that went (default 30)")
-      ->option_text("SECONDS|never");
-  command->add_option("--config")
-      ->description("options from F: option = value a line")
-      ->option_text("F");
+void add_stream_options(Command *command, SourceOptions *options) {
+  command->option("--name", &options->name, "of the stream (default: host and source)")
+      .value("S")
+      .check(check_name);
+  command->option("--frames", &options->frames, "ends a test scene after so many")
+      .value("N")
+      .positive();
+  const TakeWord take = [options](const std::string &word) { set_retry(word, &options->retry); };
+  command->option("--retry", take, "longest wait for a source that went (default 30)")
+      .value("SECONDS|never");
+  command->option("--config", "options from F: option = value a line").value("F");
 }
 
-void add_source_options(CLI::App *command, SourceOptions *options) {
-  command->add_option("SOURCE", options->word, "a file, a URI, /dev/videoN, test:pen, gst:...")
-      ->required();
+void add_source_options(Command *command, SourceOptions *options) {
+  command->option("SOURCE", &options->word, "a file, a URI, /dev/videoN, test:pen, gst:...")
+      .required();
   add_stream_options(command, options);
 }
 

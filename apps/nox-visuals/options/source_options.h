@@ -2,11 +2,11 @@
 #ifndef NOX_VISUALS_OPTIONS_SOURCE_OPTIONS_H_
 #define NOX_VISUALS_OPTIONS_SOURCE_OPTIONS_H_
 
-#include <CLI/CLI.hpp>
-
 #include <cstdint>
 #include <optional>
 #include <string>
+
+#include "nox-visuals/options/command.h"
 
 namespace nox::app {
 
@@ -18,10 +18,10 @@ struct SourceOptions {
 };
 
 // Adds SOURCE, --name, --frames, --retry and --config.
-void add_source_options(CLI::App *command, SourceOptions *options);
+void add_source_options(Command *command, SourceOptions *options);
 
 // The same without SOURCE, for commands that take several.
-void add_stream_options(CLI::App *command, SourceOptions *options);
+void add_stream_options(Command *command, SourceOptions *options);
 
 // `text` with a - for each run of other characters; "" when nothing is left.
 std::string as_name(const std::string &text);

@@ -1,5 +1,6 @@
 #include "nox-visuals/options/config_file.h"
 
+#include <CLI/CLI.hpp>
 #include <gtest/gtest.h>
 
 #include <filesystem>
