@@ -1,7 +1,7 @@
 #include "nox-visuals/options/config_file.h"
 
-#include <CLI/CLI.hpp>
 #include <gtest/gtest.h>
+#include <CLI/CLI.hpp>
 
 #include <filesystem>
 #include <fstream>
