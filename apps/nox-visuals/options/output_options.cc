@@ -17,17 +17,15 @@ void add_output_options(Command *command, OutputOptions *options) {
   MqttSettings *mqtt = &options->mqtt;
   command->option("--mqtt", &mqtt->url, "mqtt[s]://HOST[:PORT][/PREFIX]; user, TLS: see docs")
       .value("URL");
-  // In no --help, which has to fit a screen; docs/mqtt.md has them.
+  // In no --help, which has to fit a screen; docs/outputs.md has them.
   const auto add_hidden = [command](const char *name, std::string *value) {
-    return command->option(name, value, "").hidden();
+    command->option(name, value, "").hidden();
   };
-  Option user = add_hidden("--mqtt-user", &mqtt->user);
-  add_hidden("--mqtt-password-file", &mqtt->password_file).needs(user);
+  add_hidden("--mqtt-user", &mqtt->user);
+  add_hidden("--mqtt-password-file", &mqtt->password_file);
   add_hidden("--mqtt-ca", &mqtt->ca_file);
-  Option cert = add_hidden("--mqtt-cert", &mqtt->cert_file);
-  Option key = add_hidden("--mqtt-key", &mqtt->key_file);
-  cert.needs(key);
-  key.needs(cert);
+  add_hidden("--mqtt-cert", &mqtt->cert_file);
+  add_hidden("--mqtt-key", &mqtt->key_file);
   command->option("--metrics", &options->metrics, "Prometheus' text over HTTP")
       .value("[ADDR:]PORT");
 }

@@ -71,9 +71,19 @@ Opened open_osc([[maybe_unused]] const std::string &to,
   return password;
 }
 
+[[maybe_unused]] void check_settings(const MqttSettings &settings) {
+  if (settings.cert_file.empty() != settings.key_file.empty()) {
+    throw UsageError("--mqtt-cert and --mqtt-key go together");
+  }
+  if (!settings.password_file.empty() && settings.user.empty()) {
+    throw UsageError("--mqtt-password-file needs --mqtt-user");
+  }
+}
+
 Opened open_mqtt([[maybe_unused]] const MqttSettings &settings,
                  [[maybe_unused]] const std::string &stream, [[maybe_unused]] bool live) {
 #if NOX_HAVE_MOSQUITTO
+  check_settings(settings);
   const MqttUrl url = parse_mqtt_url(settings.url);
   MqttOptions options;
   options.prefix = url.prefix;

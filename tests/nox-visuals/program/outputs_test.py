@@ -199,6 +199,12 @@ class Outputs(unittest.TestCase):
         self.assertEqual(process.stdout.readline(), "ready ready\n")
         return process
 
+    def messages(self, subscriber):
+        """What it has seen; not by communicate(), which passes over what was read behind the first line."""
+        seen = subscriber.stdout.read().splitlines()
+        subscriber.wait()
+        return seen
+
     @needs("--mqtt")
     @needs_broker
     def test_mqtt(self):
@@ -206,9 +212,9 @@ class Outputs(unittest.TestCase):
             subscriber = self.subscribe(port, 3, "wall/hall/press", "wall/hall/status")
             process = nox.start("track", "test:pen", "--name", "hall", "--frames", "120", "--mqtt",
                                 f"mqtt://127.0.0.1:{port}/wall")
-            seen = subscriber.communicate(timeout=nox.PATIENCE)[0].splitlines()
+            seen = self.messages(subscriber)
             out, said = process.communicate(timeout=nox.PATIENCE)
-            late = self.subscribe(port, 2, "wall/#").communicate(timeout=nox.PATIENCE)[0].splitlines()
+            late = self.messages(self.subscribe(port, 2, "wall/#"))
         lines = out.splitlines()
         self.assertEqual((process.returncode, said), (0, ""))
         self.assertEqual(nox.parse(out)[-1]["undelivered"], 0)
@@ -226,12 +232,19 @@ class Outputs(unittest.TestCase):
             subscriber = self.subscribe(port, 4, "nox/desk/code", "nox/desk/status")
             lines, said = nox.run("scan", "test:qr", "--name", "desk", "--unique", "--frames", "60", "--mqtt",
                                   f"mqtt://127.0.0.1:{port}")
-            seen = subscriber.communicate(timeout=nox.PATIENCE)[0].splitlines()
+            seen = self.messages(subscriber)
         self.assertEqual((said, lines[-1]["undelivered"]), ("", 0))
         self.assertEqual((seen[0], seen[-1]), ("nox/desk/status online", "nox/desk/status offline"))
         codes = [it.split(" ", 1) for it in seen[1:-1]]
         self.assertEqual({topic for topic, _ in codes}, {"nox/desk/code"})
         self.assertEqual([nox.parse(line + "\n")[0] for _, line in codes], nox.of_type(lines, "code"))
+
+    @needs("--mqtt")
+    def test_mqtt_options_that_go_together(self):
+        for option, wanted in ("--mqtt-key", "--mqtt-cert"), ("--mqtt-password-file", "--mqtt-user"):
+            _, said = nox.run("track", "test:pen", "--mqtt", "mqtt://127.0.0.1:1", option, "F", status=2)
+            self.assertIn(option, said)
+            self.assertIn(wanted, said)
 
     def wait_for_port(self, port):
         for _ in range(600):
