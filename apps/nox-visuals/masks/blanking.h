@@ -24,9 +24,9 @@ class Blanking {
   // hidden with any of its four pixels.
   explicit Blanking(const PictureMask &mask);
 
-  // In one pass over a planar 4:2:0 frame: takes `darker` from every luma
-  // sample, but never below kBlackLuma, unless it is 0; and blanks what is hidden. Nothing but
-  // samples is touched, and of an alpha plane nothing.
+  // In one pass over a planar 4:2:0 frame: takes `darker`, unless it is 0, from every luma sample,
+  // but never below kBlackLuma; and blanks what is hidden. Nothing but samples is touched, and of
+  // an alpha plane nothing.
   void apply(NoxVideoFrame *frame, std::uint8_t darker) const;
 
  private:
