@@ -168,7 +168,7 @@ TEST(MorphologyTest, Width113TakesItsLastPixelFromASecondStrip) {
   const MaskPtr mask = make_mask(113, 1);
   set(mask.get(), 112, 0);
   const Rows rows = morphed(*mask, box(3, 1), kBitmaskDilate);
-  EXPECT_EQ(rows[0], std::string(111, '.') + "##");
+  EXPECT_EQ(rows[0], std::string(111, '.').append(2, '#'));
 }
 
 TEST(MorphologyTest, EightColumnsAreSuppressedByTheLastColumn) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <stdexcept>
 
 namespace nox::scenes {
@@ -131,6 +132,15 @@ void draw_moving(std::uint32_t index, Canvas *canvas) {
   paint.disc(car + 8, 320, 2, {1.5F, 0.2F, 0.15F});
 }
 
+void copy_planes(const NoxVideoFrame &from, NoxVideoFrame *to) {
+  for (int p = 0; p < from.n_planes; ++p) {
+    for (std::ptrdiff_t y = 0; y < from.plane_heights[p]; ++y) {
+      std::copy_n(from.planes[p] + y * from.strides[p], from.plane_widths[p],
+                  to->planes[p] + y * to->strides[p]);
+    }
+  }
+}
+
 }  // namespace
 
 const std::vector<std::string> &room_names() {
@@ -142,11 +152,23 @@ Room::Room(const std::string &name, int width, int height, float exposure, Range
     : moves_(name == "red"), exposure_(exposure), range_(range), still_(width, height) {
   draw_still(name, &still_);
   still_.blur(0.8F);
+  if (moves_) return;
+  nox_video_frame_alloc(&picture_, kNoxFormatI420, width, height);
+  still_.expose(exposure_);
+  write_light(still_, whole(picture_), range_, &picture_);
+}
+
+Room::~Room() {
+  nox_video_frame_free_planes(&picture_);
 }
 
 void Room::render(std::uint32_t index, NoxVideoFrame *frame) const {
+  if (!moves_) {
+    copy_planes(picture_, frame);
+    return;
+  }
   Canvas light = still_;
-  if (moves_) draw_moving(index, &light);
+  draw_moving(index, &light);
   light.expose(exposure_);
   write_light(light, whole(*frame), range_, frame);
 }

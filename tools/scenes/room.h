@@ -25,14 +25,19 @@ class Room {
   // At exposure 1 the room is as its name says. Throws std::invalid_argument for another name.
   Room(const std::string &name, int width, int height, float exposure, Range range);
 
-  // Frame `index` without the sensor's noise.
+  ~Room();
+  Room(const Room &) = delete;
+  Room &operator=(const Room &) = delete;
+
+  // Frame `index` without the sensor's noise. The frame has the room's size.
   void render(std::uint32_t index, NoxVideoFrame *frame) const;
 
  private:
   bool moves_;  // so that each frame is drawn anew
   float exposure_;
   Range range_;
-  Canvas still_;
+  Canvas still_;             // what does not move
+  NoxVideoFrame picture_{};  // all of a room in which nothing moves
 };
 
 }  // namespace nox::scenes

@@ -34,8 +34,8 @@ class Scenes(unittest.TestCase):
             rows = [line.split(",") for line in file]
         self.truth = {int(r[0]): (r[1] == "1", r[2] == "1", float(r[3]), float(r[4])) for r in rows}
 
-    def room(self, words, kbits, before=b""):
-        raw = nox.draw(f"--truth {self.path('truth')} room {words}", FRAMES)
+    def room(self, words, kbits, before=b"", frames=FRAMES):
+        raw = nox.draw(f"--truth {self.path('truth')} room {words}", frames)
         self.read_truth()
         return nox.make_video(self.path("clip.webm"), raw=before + raw, encode=encoder(kbits))
 
@@ -89,7 +89,7 @@ class Scenes(unittest.TestCase):
 
     def test_nobody_shows_a_pen(self):
         for room in ["lit", "white", "dim", "red"]:
-            clip = self.room(f"{room} pen=none", 1000)
+            clip = self.room(f"{room} pen=none", 1000, frames=90)
             for arguments in [[], ["--darken", "auto"]]:
                 pens = nox.of_type(nox.run("track", clip, *arguments)[0], "pen")
                 self.assertEqual(pens, [], (room, arguments))
