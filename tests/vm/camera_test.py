@@ -180,9 +180,9 @@ class Camera(unittest.TestCase):
         self.assertIn("went away", said)
         self.assertIsNone(process.poll())
 
-    # vivid comes back when the last descriptor of it is closed. One of the buffers' stays open in the program as long as
-    # it runs, although the pipeline is gone; who holds it is not known yet. A camera on USB gets another number then, and
-    # is found again under its name in /dev/v4l/by-id.
+    # vivid comes back when the last descriptor of it is closed. v4l2src of GStreamer 1.22 keeps one of the buffers'
+    # open when its device is gone, although no element is left (sources_test counts them). A camera on USB gets another
+    # number then, and is found again under its name in /dev/v4l/by-id.
     @unittest.expectedFailure
     def test_a_camera_that_comes_back_is_tracked_again(self):
         process = start("track", DEVICE, "--retry", "1")

@@ -1,5 +1,6 @@
 """Where nox-visuals takes video from: scenes, addresses, descriptions, and sources that go and come back."""
 import os
+import re
 import signal
 import socket
 import subprocess
@@ -60,11 +61,14 @@ class Descriptions(unittest.TestCase):
 
 @unittest.skipUnless(RTSP_SERVER, "built without GStreamer's server of RTSP")
 class Network(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(cls.folder.cleanup)
+        cls.clip = nox.make_video(os.path.join(cls.folder.name, "clip.mkv"), frames=300,
+                                  encode="vp8enc deadline=1 keyframe-max-dist=5 ! matroskamux")
+
     def setUp(self):
-        self.folder = tempfile.TemporaryDirectory()
-        self.addCleanup(self.folder.cleanup)
-        self.clip = nox.make_video(os.path.join(self.folder.name, "clip.mkv"), frames=300,
-                                   encode="vp8enc deadline=1 keyframe-max-dist=5 ! matroskamux")
         self.port = free_port()
         self.address = f"rtsp://127.0.0.1:{self.port}/pen"
 
@@ -115,6 +119,38 @@ class Network(unittest.TestCase):
         server.send_signal(signal.SIGCONT)
         self.assertIn("is back", process.stderr.readline())
         self.read_pens(process, 5)
+
+    def test_nothing_is_left_of_a_source_that_went_away(self):
+        log = os.path.join(self.folder.name, "log")
+        tracer = {"GST_TRACERS": 'leaks(filters="GstBuffer,GstMemory,GstBufferPool,GstElement,GstPad")',
+                  "GST_LEAKS_TRACER_SIG": "1", "GST_DEBUG": "leaks:7", "GST_DEBUG_FILE": log}
+        server = self.serve()
+        process = nox.start("track", self.address, "--retry", "60", env={**os.environ, **tracer})
+        self.addCleanup(process.communicate)
+        self.addCleanup(process.kill)
+        self.read_pens(process, 5)
+        self.assertGreater(self.living_objects(process, log), 10)
+        server.kill()
+        server.wait()
+        self.assertIn("went away", process.stderr.readline())
+        # Threads of the source may take a moment to end.
+        deadline = time.monotonic() + nox.PATIENCE
+        while self.living_objects(process, log) > 0:
+            self.assertLess(time.monotonic(), deadline)
+            time.sleep(0.05)
+
+    def living_objects(self, process, log):
+        """Of GStreamer's in the program, by its tracer."""
+        open(log, "w", encoding="utf-8").close()
+        process.send_signal(signal.SIGUSR1)
+        deadline = time.monotonic() + nox.PATIENCE
+        while True:
+            with open(log, "rb") as file:
+                told = re.search(rb"listed (\d+) alive objects", file.read())
+            if told:
+                return int(told[1])
+            self.assertLess(time.monotonic(), deadline)
+            time.sleep(0.01)
 
     def test_never_tried_again(self):
         server = self.serve()
