@@ -64,7 +64,7 @@ def draw(scene, frames):
                           stdout=subprocess.PIPE, check=True).stdout
 
 
-def make_video(path, scene="pen", frames=60, raw=None, encode="vp8enc deadline=1 ! webmmux", layout="i420"):
+def make_video(path, scene="pen", frames=60, raw=None, encode="vp8enc deadline=1 cpu-used=8 ! webmmux", layout="i420"):
     """Writes so many frames of a scene, or `raw` ones, 30 a second, by the distribution's encoder.
 
     `layout` is how the encoder takes the planes, whatever they hold.

@@ -66,7 +66,7 @@ class Network(unittest.TestCase):
         cls.folder = tempfile.TemporaryDirectory()
         cls.addClassCleanup(cls.folder.cleanup)
         cls.clip = nox.make_video(os.path.join(cls.folder.name, "clip.mkv"), frames=300,
-                                  encode="vp8enc deadline=1 keyframe-max-dist=5 ! matroskamux")
+                                  encode="vp8enc deadline=1 cpu-used=8 keyframe-max-dist=5 ! matroskamux")
 
     def setUp(self):
         self.port = free_port()
