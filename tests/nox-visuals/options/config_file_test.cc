@@ -1,14 +1,18 @@
+// The file of --config, as the command line reads it.
 #include "nox-visuals/options/config_file.h"
 
 #include <gtest/gtest.h>
-#include <CLI/CLI.hpp>
 
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "nox-visuals/errors.h"
+#include "nox-visuals/options/command.h"
+#include "nox-visuals/options/command_line.h"
 
 namespace {
 
@@ -19,19 +23,27 @@ class ConfigFile : public testing::Test {
     std::string name = testing::TempDir() + "nox-config-XXXXXX";
     folder_ = mkdtemp(name.data());
     path_ = folder_ / "options";
-    command_.add_option("WORD", word_);
-    command_.add_option("--number", number_);
-    command_.add_option("--many", many_);
-    command_.add_flag("--yes,!--no-yes", yes_);
-    command_.add_flag("--maybe{usual}", maybe_);
-    command_.add_option("--config");
+    command_.option("WORD", &word_, "");
+    command_.option("--number", &number_, "");
+    command_.option("--many", &many_, "");
+    command_.flag("--yes,!--no-yes", &yes_, "");
+    command_.flag("--maybe{usual}", &maybe_, "");
+    command_.option("--config", "");
   }
   ~ConfigFile() override { std::filesystem::remove_all(folder_); }
 
   void read(const std::string &text, const std::string &arguments = "") {
     std::ofstream(path_) << text;
-    command_.parse(arguments + " --config " + path_.string());
-    nox::app::apply_config_file(&command_);
+    parse(arguments + " --config " + path_.string());
+  }
+
+  void parse(const std::string &arguments) {
+    std::istringstream stream("program do " + arguments);
+    std::vector<std::string> words;
+    for (std::string word; stream >> word;) words.push_back(word);
+    std::vector<char *> argv;
+    for (std::string &word : words) argv.push_back(word.data());
+    EXPECT_TRUE(line_.parse(static_cast<int>(argv.size()), argv.data()));
   }
 
   // What is wrong with the file, without the file's name.
@@ -48,9 +60,10 @@ class ConfigFile : public testing::Test {
 
   std::filesystem::path folder_;
   std::filesystem::path path_;
-  CLI::App command_;
+  nox::app::CommandLine line_{"program", "", ""};
+  nox::app::Command command_{line_.program(), "do", ""};
   std::string word_;
-  int number_ = 0;
+  std::uint64_t number_ = 0;
   std::vector<std::string> many_;
   bool yes_ = false;
   std::string maybe_;
@@ -58,7 +71,7 @@ class ConfigFile : public testing::Test {
 
 TEST_F(ConfigFile, OptionsOfEverySort) {
   read("# a comment\n\n  number = 7 \r\nmany = a\nmany=b = c\nyes = true\nmaybe = 1,2,3");
-  EXPECT_EQ(number_, 7);
+  EXPECT_EQ(number_, 7U);
   EXPECT_EQ(many_, (std::vector<std::string>{"a", "b = c"}));
   EXPECT_TRUE(yes_);
   EXPECT_EQ(maybe_, "1,2,3");
@@ -68,14 +81,13 @@ TEST_F(ConfigFile, NoMeansNo) {
   read("no-yes = true", "--yes");
   EXPECT_TRUE(yes_);
   yes_ = true;
-  command_.clear();
   read("no-yes = true");
   EXPECT_FALSE(yes_);
 }
 
 TEST_F(ConfigFile, TheCommandLineHolds) {
   read("number = 7\nmany = a", "--number 3 --many x --many y");
-  EXPECT_EQ(number_, 3);
+  EXPECT_EQ(number_, 3U);
   EXPECT_EQ(many_, (std::vector<std::string>{"x", "y"}));
 }
 
@@ -89,8 +101,7 @@ TEST_F(ConfigFile, MistakesAreNamedByTheirLine) {
 }
 
 TEST_F(ConfigFile, AMissingFileIsAMistake) {
-  command_.parse("--config " + path_.string());
-  EXPECT_THROW(nox::app::apply_config_file(&command_), nox::app::UsageError);
+  EXPECT_THROW(parse("--config " + path_.string()), nox::app::UsageError);
 }
 
 }  // namespace
