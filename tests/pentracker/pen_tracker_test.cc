@@ -299,7 +299,12 @@ TEST(PenTracker, KeepsItsPromisesAboutTheRecord) {
   EXPECT_EQ(tracker->work_width, 448);
   EXPECT_EQ(tracker->work_height, 252);
   EXPECT_EQ(tracker->last_width, 0);
+  EXPECT_EQ(tracker->last_height, 0);
   EXPECT_EQ(tracker->pen, nullptr);
+  const PenPicture picture(64, 48);
+  process(tracker.get(), picture.frame());
+  EXPECT_EQ(tracker->last_width, 64);
+  EXPECT_EQ(tracker->last_height, 48);
   pen_tracker_free(nullptr);
 }
 
