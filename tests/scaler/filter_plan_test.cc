@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "scaler/plane_filter.h"
@@ -45,6 +46,20 @@ TEST_P(FilterPlan, ServesEveryRatioThatIsFilteredDirectly) {
 
 TEST_P(FilterPlan, LeavesOtherLengthsToTheLookUpFilter) {
   EXPECT_FALSE(served({560, 315}, {448, 252}, 1.25, 5));
+}
+
+// No kernel has such weights; the vectors multiply signed bytes.
+TEST_P(FilterPlan, LeavesWeightsThatFitNoSignedByte) {
+  const PositionTables all = make_position_tables({64, 36}, {64, 36}, 4);
+  using Taps = std::vector<std::int32_t>;
+  const std::vector<std::pair<Taps, bool>> cases = {
+      {{0, 128, 0, 0}, true},     {{4, 128, 0, -4}, false},    {{-32, 127, 33, 0}, true},
+      {{-40, 129, 39, 0}, false}, {{127, 127, -126, 0}, true}, {{127, 127, 3, -129}, false}};
+  for (const auto &[taps, fits] : cases) {
+    FilterCoefficients coefficients = make_filter_coefficients(1.0, 4, scaler_kernel_lanczos2);
+    for (auto &phase : coefficients.fixed_taps) std::copy(taps.begin(), taps.end(), phase);
+    EXPECT_EQ(make_plane_filter(coefficients, all.columns, all.rows).has_value(), fits) << taps[1];
+  }
 }
 
 TEST_P(FilterPlan, LeavesRowsShorterThanAWindow) {
