@@ -117,13 +117,13 @@ TEST(LitScene, AnAreaStaysInThePicture) {
 
 TEST(LitWords, SayThePen) {
   const LitPen pen =
-      parse_lit_pen({"pen=bare", "speed=30", "blurred=1", "exposure=0.35", "range=full"});
+      parse_lit_pen({"pen=bare", "speed=30", "open=0.8", "exposure=0.35", "range=full"});
   EXPECT_EQ(pen.kind, PenKind::kBare);
   EXPECT_EQ(pen.speed, 30);
-  EXPECT_TRUE(pen.blurred);
+  EXPECT_EQ(pen.open, 0.8F);
   EXPECT_EQ(pen.exposure, 0.35F);
   EXPECT_EQ(pen.range, Range::kFull);
-  for (const char *word : {"pen", "pen=bal", "speed=x", "speed=-1", "blurred=2", "colour=blue"}) {
+  for (const char *word : {"pen", "pen=bal", "speed=x", "speed=-1", "open=x", "colour=blue"}) {
     EXPECT_THROW(parse_lit_pen({word}), std::invalid_argument) << word;
   }
   EXPECT_THROW(Room("attic", kWidth, kHeight, 1, Range::kFull), std::invalid_argument);

@@ -141,6 +141,17 @@ void expose(NoxVideoFrame *frame, float factor, Range range) {
   write_light(light, area, range, frame);
 }
 
+void strengthen_colours(NoxVideoFrame *frame, float factor) {
+  for (int plane = 1; plane < 3; ++plane) {
+    for (int y = 0; y < frame->plane_heights[plane]; ++y) {
+      std::uint8_t *row = sample(*frame, plane, 0, y);
+      std::transform(row, row + frame->plane_widths[plane], row, [factor](std::uint8_t value) {
+        return to_sample(128 + factor * (static_cast<float>(value) - 128));
+      });
+    }
+  }
+}
+
 void add_sensor_noise(NoxVideoFrame *frame, const NoiseField &noise, std::uint32_t index,
                       float sigma) {
   for (int plane = 0; plane < 3; ++plane) {

@@ -33,6 +33,9 @@ void write_light(const Canvas &light, const Area &area, Range range, NoxVideoFra
 // As if the shutter had been open for another time: all light of the picture times `factor`.
 void expose(NoxVideoFrame *frame, float factor, Range range);
 
+// As a camera that is set to more saturation: chroma is `factor` times as far from grey.
+void strengthen_colours(NoxVideoFrame *frame, float factor);
+
 // The sensor's noise, `sigma` steps of luma and half as many of chroma.
 void add_sensor_noise(NoxVideoFrame *frame, const NoiseField &noise, std::uint32_t index,
                       float sigma);

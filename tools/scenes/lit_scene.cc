@@ -3,16 +3,12 @@
 #include <utility>
 
 namespace nox::scenes {
-namespace {
-
-constexpr float kOpen = 0.8F;  // the share of a frame for which an indoor camera's shutter is open
-
-}  // namespace
 
 LitScene::LitScene(int width, int height, const LitPen &pen, std::uint32_t frames,
                    Background background)
     : pen_{pen.kind, static_cast<float>(width) / 640.0F, pen.exposure, pen.range},
-      motion_(width, height, pen.speed, pen.blurred ? kOpen * pen.exposure : 0.0F, frames),
+      motion_(width, height, pen.speed, pen.open * pen.exposure, frames),
+      colours_(pen.colours),
       background_(std::move(background)),
       noise_(3) {}
 
@@ -26,6 +22,7 @@ void LitScene::render(std::uint32_t index, float noise, NoxVideoFrame *frame) co
   background_(index, frame);
   const PenMoment moment = truth(index);
   if (moment.visible) draw_pen(pen_, moment.stroke, frame);
+  if (colours_ != 1) strengthen_colours(frame, colours_);
   if (noise > 0) add_sensor_noise(frame, noise_, index, noise);
 }
 

@@ -15,10 +15,13 @@ namespace nox::scenes {
 
 struct LitPen {
   PenKind kind = PenKind::kBall;
-  float speed = 2;        // pixels a frame of a picture that is 640 wide
-  bool blurred = false;   // the shutter is open as long as indoors, else for an instant
+  float speed = 2;  // pixels a frame of a picture that is 640 wide
+  // The share of a frame for which the shutter is open at exposure 1: half in sunlight, up to 1
+  // indoors, 0 for an instant.
+  float open = 0;
   float exposure = 1.0F;  // the background comes with it
   Range range = Range::kStudio;
+  float colours = 1.0F;  // how much stronger than they are the camera makes all colours
 };
 
 class LitScene {
@@ -37,6 +40,7 @@ class LitScene {
  private:
   LightPen pen_;
   PenMotion motion_;
+  float colours_;
   Background background_;
   NoiseField noise_;
 };

@@ -35,10 +35,12 @@ void read_word(const std::string &word, LitPen *pen) {
     pen->kind = kind(word, value);
   } else if (key == "speed") {
     pen->speed = number(word, value);
-  } else if (key == "blurred") {
-    pen->blurred = one_of(word, value, "0", "1");
+  } else if (key == "open") {
+    pen->open = number(word, value);
   } else if (key == "exposure") {
     pen->exposure = number(word, value);
+  } else if (key == "colours") {
+    pen->colours = number(word, value);
   } else if (key == "range") {
     pen->range = one_of(word, value, "studio", "full") ? Range::kFull : Range::kStudio;
   } else {

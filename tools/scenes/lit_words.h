@@ -9,7 +9,7 @@
 
 namespace nox::scenes {
 
-// The pen that words such as "pen=bare", "speed=30", "blurred=1", "exposure=0.35" and "range=full"
+// The pen that words such as "pen=bare", "speed=30", "open=0.8", "exposure=0.35" and "range=full"
 // describe; what they leave out is as in LitPen. Throws std::invalid_argument for any other word.
 LitPen parse_lit_pen(const std::vector<std::string> &words);
 

@@ -20,10 +20,15 @@ constexpr float kNoise = 2;
 
 constexpr PenKind kBall = PenKind::kBall;
 constexpr PenKind kBare = PenKind::kBare;
-constexpr bool kSharp = false;
-constexpr bool kBlurred = true;
+// How long the shutter is open.
+constexpr float kSharp = 0;
+constexpr float kHalf = 0.5F;
+constexpr float kBlurred = 0.8F;
 constexpr Codec kH264 = Codec::kH264;
 constexpr Codec kVp8 = Codec::kVp8;
+
+// Nobody shows a pen to a camera that makes colours 1.4 times as strong.
+constexpr LitPen kVivid{PenKind::kNone, 2, kSharp, 1, Range::kStudio, 1.4F};
 
 const std::vector<Case> kCases = {
     {"lit", {kBall, 2, kSharp}, kH264, 1500},
@@ -59,6 +64,12 @@ const std::vector<Case> kCases = {
     {"bottles.mp4", {kBare, 60, kBlurred, 0.35F}, kH264, 1500},
     {"motorway.avi", {kBall, 60, kBlurred, 0.7F}, kVp8, 600},
     {"lit", {kBare, 60, kBlurred}, kVp8, 1500},
+    {"dim", {kBall, 30, kHalf}, kH264, 1500},
+    {"asl-yes.mkv", {kBall, 30, kHalf}, kH264, 1500},
+    {"bottles.mp4", {kBall, 30, kHalf}, kVp8, 1500},
+    {"motorway.avi", {kBall, 30, kHalf}, kH264, 600},
+    {"bottles.mp4", {kBall, 60, kHalf}, kH264, 1500},
+    {"motorway.avi", {kBall, 60, kHalf}, kVp8, 600},
     {"lit", {PenKind::kNone}, kH264, 1500},
     {"white", {PenKind::kNone}, kVp8, 1500},
     {"dim", {PenKind::kNone}, kH264, 600},
@@ -68,6 +79,12 @@ const std::vector<Case> kCases = {
     {"asl-yes.mkv", {PenKind::kNone}, kH264, 1500},
     {"asl-help.mkv", {PenKind::kNone}, kVp8, 600},
     {"motorway.avi", {PenKind::kNone}, kH264, 600},
+    {"lit", kVivid, kH264, 1500},
+    {"red", kVivid, kVp8, 1000},
+    {"bottles.mp4", kVivid, kH264, 1500},
+    {"asl-yes.mkv", kVivid, kH264, 1500},
+    {"asl-help.mkv", kVivid, kVp8, 600},
+    {"motorway.avi", kVivid, kH264, 600},
 };
 
 const char *kind_name(PenKind kind) {
@@ -105,11 +122,18 @@ std::string Case::name() const {
   if (pen.kind != PenKind::kNone) {
     std::snprintf(part, sizeof part, ", %g px", static_cast<double>(pen.speed));
     text += part;
-    if (pen.blurred) text += ", blurred";
+    if (pen.open > 0) {
+      std::snprintf(part, sizeof part, ", open %g", static_cast<double>(pen.open));
+      text += part;
+    }
   }
   text += ", " + background.substr(0, background.find('.'));
   if (pen.exposure < 1) {
     std::snprintf(part, sizeof part, ", exposure %g", static_cast<double>(pen.exposure));
+    text += part;
+  }
+  if (pen.colours > 1) {
+    std::snprintf(part, sizeof part, ", colours %g", static_cast<double>(pen.colours));
     text += part;
   }
   if (pen.range == Range::kFull) text += ", full range";

@@ -8,20 +8,16 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "nox-visuals/demo/clip.h"
 #include "nox-visuals/gst_pointers.h"
 
 namespace nox::scenes {
 namespace {
 
 using app::GstPointer;
-
-GstPointer<GstElement> parse(const std::string &description) {
-  GError *error = nullptr;
-  GstElement *parsed =
-      gst_parse_launch_full(description.c_str(), nullptr, GST_PARSE_FLAG_FATAL_ERRORS, &error);
-  if (parsed == nullptr) throw std::runtime_error(app::take_error(error));
-  return GstPointer<GstElement>(GST_ELEMENT(gst_object_ref_sink(parsed)));
-}
+using app::demo::parse_pipeline;
+using app::demo::run_to_end;
+using app::demo::set_location;
 
 GstPointer<GstElement> named(GstElement *pipeline, const char *name) {
   return GstPointer<GstElement>(gst_bin_get_by_name(GST_BIN(pipeline), name));
@@ -47,18 +43,6 @@ void append_sample(GstSample *sample, Clip *clip) {
     }
   }
   gst_video_frame_unmap(&mapped);
-}
-
-void wait_for_end(GstElement *pipeline) {
-  const GstPointer<GstBus> bus(gst_element_get_bus(pipeline));
-  const GstPointer<GstMessage> end(
-      gst_bus_timed_pop_filtered(bus.get(), GST_CLOCK_TIME_NONE,
-                                 static_cast<GstMessageType>(GST_MESSAGE_EOS | GST_MESSAGE_ERROR)));
-  gst_element_set_state(pipeline, GST_STATE_NULL);
-  if (GST_MESSAGE_TYPE(end.get()) == GST_MESSAGE_EOS) return;
-  GError *error = nullptr;
-  gst_message_parse_error(end.get(), &error, nullptr);
-  throw std::runtime_error(app::take_error(error));
 }
 
 std::string encoder(Codec codec, int kbits) {
@@ -89,10 +73,10 @@ NoxVideoFrame Clip::frame(std::size_t index) {
 }
 
 Clip read_clip(const std::string &path, std::size_t most) {
-  const auto pipeline = parse(
+  const auto pipeline = parse_pipeline(
       "filesrc name=file ! decodebin ! videoconvert ! "
       "video/x-raw,format=I420 ! appsink name=frames sync=false");
-  g_object_set(named(pipeline.get(), "file").get(), "location", path.c_str(), nullptr);
+  set_location(pipeline.get(), "file", path);
   const auto sink = named(pipeline.get(), "frames");
   gst_element_set_state(pipeline.get(), GST_STATE_PLAYING);
   Clip clip(0, 0);
@@ -115,13 +99,13 @@ Clip read_clip(const std::string &path, std::size_t most) {
 void write_clip(const std::string &path, Codec codec, int kbits, int width, int height,
                 std::uint32_t frames,
                 const std::function<void(std::uint32_t index, NoxVideoFrame *frame)> &draw) {
-  const auto pipeline = parse(
+  const auto pipeline = parse_pipeline(
       "appsrc name=frames format=time block=true max-bytes=20000000 "
       "caps=video/x-raw,format=I420,framerate=30/1,width=" +
       std::to_string(width) + ",height=" + std::to_string(height) + " ! queue ! " +
       encoder(codec, kbits) + " ! filesink name=file");
   const std::string unfinished = path + ".part";
-  g_object_set(named(pipeline.get(), "file").get(), "location", unfinished.c_str(), nullptr);
+  set_location(pipeline.get(), "file", unfinished);
   const auto source = named(pipeline.get(), "frames");
   gst_element_set_state(pipeline.get(), GST_STATE_PLAYING);
   for (std::uint32_t i = 0; i < frames; ++i) {
@@ -135,7 +119,7 @@ void write_clip(const std::string &path, Codec codec, int kbits, int width, int 
     gst_app_src_push_buffer(GST_APP_SRC(source.get()), buffer);
   }
   gst_app_src_end_of_stream(GST_APP_SRC(source.get()));
-  wait_for_end(pipeline.get());
+  run_to_end(pipeline.get());
   std::filesystem::rename(unfinished, path);
 }
 

@@ -28,13 +28,17 @@ namespace {
 
 struct Help {
   const char *name;
-  bool darken = false;
+  bool darken = false;  // by what the scene asks for
   bool mask = false;
   bool recover = false;
+  std::uint8_t less = 0;  // luma that is taken from every sample
 };
 
 constexpr Help kHelps[] = {
     {"plain"},
+    {"less 30", false, false, false, 30},
+    {"less 50", false, false, false, 50},
+    {"less 70", false, false, false, 70},
     {"darkened", true},
     {"masked", false, true},
     {"recovered", false, false, true},
@@ -57,7 +61,7 @@ class Track {
     NoxVideoFrame frame = copy_.frame(0);
     std::memcpy(frame.planes[0], as_it_came.planes[0], copy_.frame_bytes());
     if (help_.darken) darkening_.look(frame, pressed_);
-    mask_.apply(&frame, darkening_.level());
+    mask_.apply(&frame, help_.darken ? darkening_.level() : help_.less);
     std::optional<app::Sighting> seen = find(frame);
     if (help_.recover && seen) recovery_.saw(*seen);
     if (help_.recover && !seen && recovery_.looks()) seen = recovery_.look(frame);

@@ -61,7 +61,7 @@ class Scenes(unittest.TestCase):
         self.assertLess(error, 0.6)
 
     def test_recovery_returns_blurred_strokes(self):
-        clip = self.room("dim pen=ball speed=30 blurred=1", 1000)
+        clip = self.room("dim pen=ball speed=30 open=0.8", 1000)
         without = self.score(clip, "--no-recover", streak=24 / 640)
         found, right, false, error = self.score(clip, streak=24 / 640)
         self.assertLess(without[0], 70)
