@@ -70,7 +70,7 @@ TEST(LitScene, ASlowBallIsWhereTheTruthSays) {
 
 // Where the path is bent, both ends of a step are nearer to each other than they are along it.
 TEST(LitScene, ThePenGoesAtItsSpeed) {
-  const LitScene scene = in_room("dim", {PenKind::kBare, 30, true});
+  const LitScene scene = in_room("dim", {PenKind::kBare, 30, 0.8F});
   std::vector<float> steps;
   std::vector<float> strokes;
   for (std::uint32_t i = 1; i < kFrames; ++i) {
@@ -87,11 +87,22 @@ TEST(LitScene, ThePenGoesAtItsSpeed) {
   EXPECT_LE(strokes.back(), 24.5F);
 }
 
+TEST(LitScene, StrongColoursAreFurtherFromGrey) {
+  Frame plain;
+  Frame vivid;
+  in_room("red", {PenKind::kNone}).render(0, 0, plain.get());
+  in_room("red", {PenKind::kNone, 2, 0, 1, Range::kStudio, 1.4F}).render(0, 0, vivid.get());
+  EXPECT_EQ(vivid.mean(0), plain.mean(0));
+  for (int plane : {1, 2}) {
+    EXPECT_NEAR(vivid.mean(plane) - 128, 1.4 * (plain.mean(plane) - 128), 0.5) << plane;
+  }
+}
+
 TEST(LitScene, ShorterExposuresAreDarker) {
   Frame bright;
   Frame dark;
   in_room("white", {PenKind::kNone}).render(0, 0, bright.get());
-  in_room("white", {PenKind::kNone, 2, false, 0.35F}).render(0, 0, dark.get());
+  in_room("white", {PenKind::kNone, 2, 0, 0.35F}).render(0, 0, dark.get());
   EXPECT_GT(bright.mean(0), 170);
   EXPECT_LT(dark.mean(0), 140);
 }
@@ -100,7 +111,7 @@ TEST(LitScene, ShorterExposuresAreDarker) {
 TEST(LitScene, SamplesSurviveLight) {
   for (const Range range : {Range::kStudio, Range::kFull}) {
     Frame frame;
-    in_room("icons", {PenKind::kNone, 2, false, 1, range}).render(0, 0, frame.get());
+    in_room("icons", {PenKind::kNone, 2, 0, 1, range}).render(0, 0, frame.get());
     const double before[] = {frame.mean(0), frame.mean(1), frame.mean(2)};
     expose(frame.get(), 1.0F, range);
     for (int plane = 0; plane < 3; ++plane) EXPECT_NEAR(frame.mean(plane), before[plane], 0.6);

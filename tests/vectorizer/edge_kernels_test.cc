@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include "support/guarded_plane.h"
 #include "support/quick.h"
@@ -51,6 +52,13 @@ void fill_smooth(GuardedPlane *plane, Random *random) {
   for (std::size_t i = 0; i < plane->size(); ++i) {
     const int value = middle + random->between(-reach, reach);
     plane->data()[i] = static_cast<std::uint8_t>(std::clamp(value, 0, 255));
+  }
+}
+
+TEST(BitRows, RowsAreWholeBlocksOf512Bits) {
+  for (const auto &[width, words] :
+       {std::pair(1, 8U), {64, 8U}, {512, 8U}, {513, 16U}, {1025, 24U}}) {
+    EXPECT_EQ(vectorizer::block_row_words(width), words) << width;
   }
 }
 
