@@ -70,10 +70,22 @@ int ChildProcess::wait() {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
-void ChildProcess::stop() {
-  if (id_ < 0) return;
+bool ChildProcess::ends_within(std::chrono::milliseconds patience) {
+  const auto until = std::chrono::steady_clock::now() + patience;
+  siginfo_t ended{};
+  while (waitid(P_PID, static_cast<id_t>(id_), &ended, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+         ended.si_pid == 0 && std::chrono::steady_clock::now() < until) {
+    read_some(std::chrono::milliseconds(20));
+  }
+  return ended.si_pid != 0;
+}
+
+// mosquitto_sub locks in its handler of the signal what it may hold already, and hangs then.
+int ChildProcess::stop() {
+  if (id_ < 0) return 0;
   kill(id_, SIGTERM);
-  wait();
+  if (!ends_within(std::chrono::seconds(3))) kill(id_, SIGKILL);
+  return wait();
 }
 
 }  // namespace nox::app::test

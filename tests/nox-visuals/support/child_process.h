@@ -27,10 +27,12 @@ class ChildProcess {
   // Waits until it has ended by itself and returns its exit status; a signal's number is negative.
   int wait();
 
-  // Asks it to end, by its id, and waits until it has.
-  void stop();
+  // Asks it to end, by its id, makes it if it does not within three seconds, and waits until it has.
+  // Returns as wait() does; 0 if it has ended before.
+  int stop();
 
  private:
+  bool ends_within(std::chrono::milliseconds patience);
   bool read_some(std::chrono::milliseconds patience);
 
   pid_t id_ = -1;
