@@ -9,7 +9,7 @@ import subprocess
 # Of Highway's targets on x86 three, which among them compile every branch of the kernels.
 _KERNEL_ARGS = "-mssse3 -DHWY_BROKEN_TARGETS=(HWY_SSE4|HWY_AVX3)"
 _OPTIONS = ["-Doptimization=1", "-Ddebug=false", "-Dbenchmarks=disabled", "-Dintrospection=disabled",
-            "-Dprogram=disabled", f"-Dcpp_args={_KERNEL_ARGS}"]
+            "-Dprogram=disabled", "-Db_pch=false", f"-Dcpp_args={_KERNEL_ARGS}"]
 _ELEMENTS = "noxvisuals"
 _LONG = 5.0  # seconds
 _MODULE = "src/noxvisuals/libgstnoxvisuals_sse.so"
